@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+
+namespace mosswick {
+
+// Where Mosswick keeps its data: "$XDG_DATA_HOME/Mosswick" (default ~/.local/share/Mosswick)
+// holding the save file "shelf.json" and the staging folder "Staged". Both folders are
+// private to the user (0700) and are created when asked for.
+namespace AppFiles {
+
+// Computed once, on first use; creation failures are ignored (the path is returned anyway).
+const std::filesystem::path& root();
+// root()/"Staged", created on every call.
+std::filesystem::path stagingDirectory();
+// root()/"shelf.json".
+std::filesystem::path saveFile();
+
+// Creates `folder` and missing parents; the folders this creates are made 0700. False on failure.
+bool makePrivateDirectory(const std::filesystem::path& folder);
+
+}  // namespace AppFiles
+}  // namespace mosswick

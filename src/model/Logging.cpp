@@ -1,0 +1,5 @@
+#include "model/Logging.h"
+
+Q_LOGGING_CATEGORY(lcStore, "mosswick.store", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcStaging, "mosswick.staging", QtInfoMsg)
+Q_LOGGING_CATEGORY(lcSettings, "mosswick.settings", QtInfoMsg)

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+#include "model/DefaultsStore.h"
+#include "model/PreferenceEnums.h"
+
+namespace mosswick {
+
+// Names the settings in change notifications; the stored key is the name as written.
+enum class Preference {
+    position,
+    size,
+    showMenuBarIcon,
+    appearance,
+    restoreItemsOnLaunch,
+    checkForUpdatesAutomatically,
+    automaticallyShow,
+    showTrigger,
+    hideWhenEmpty,
+    ignoredApplications,
+    removeItemsWhenDraggedOut,
+    combineMultipleFilesToStack,
+    showQuickLookPreviews,
+    showFaviconsForWeblocFiles,
+    resolveAliasFiles,
+    reduceMotion,
+    alternateDragData,
+    maximumItemCount,
+};
+
+QString preferenceKey(Preference preference);
+
+// Every user setting. Read from the defaults store once, at construction (a missing, unknown or
+// wrong-typed value reads as the default and is not rewritten); every assignment notifies
+// observers and then writes the value back at once, even when it is equal.
+class Preferences : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Preferences(DefaultsStore& store, QObject* parent = nullptr);
+
+    // The process-wide instance; created on first use over the settings file, unless one was
+    // installed first.
+    static Preferences& shared();
+    static void setShared(Preferences* preferences);
+
+    ShelfPosition position() const { return position_; }
+    ShelfSize size() const { return size_; }
+    bool showMenuBarIcon() const { return showMenuBarIcon_; }
+    AppearanceMode appearance() const { return appearance_; }
+    bool restoreItemsOnLaunch() const { return restoreItemsOnLaunch_; }
+    bool checkForUpdatesAutomatically() const { return checkForUpdatesAutomatically_; }
+    bool automaticallyShow() const { return automaticallyShow_; }
+    ShowTrigger showTrigger() const { return showTrigger_; }
+    bool hideWhenEmpty() const { return hideWhenEmpty_; }
+    const QStringList& ignoredApplications() const { return ignoredApplications_; }
+    bool removeItemsWhenDraggedOut() const { return removeItemsWhenDraggedOut_; }
+    bool combineMultipleFilesToStack() const { return combineMultipleFilesToStack_; }
+    bool showQuickLookPreviews() const { return showQuickLookPreviews_; }
+    bool showFaviconsForWeblocFiles() const { return showFaviconsForWeblocFiles_; }
+    bool resolveAliasFiles() const { return resolveAliasFiles_; }
+    bool reduceMotion() const { return reduceMotion_; }
+    AlternateDragData alternateDragData() const { return alternateDragData_; }
+    qint64 maximumItemCount() const { return maximumItemCount_; }
+
+    void setPosition(ShelfPosition value);
+    void setSize(ShelfSize value);
+    void setShowMenuBarIcon(bool value);
+    void setAppearance(AppearanceMode value);
+    void setRestoreItemsOnLaunch(bool value);
+    void setCheckForUpdatesAutomatically(bool value);
+    void setAutomaticallyShow(bool value);
+    void setShowTrigger(ShowTrigger value);
+    void setHideWhenEmpty(bool value);
+    void setIgnoredApplications(const QStringList& value);
+    void setRemoveItemsWhenDraggedOut(bool value);
+    void setCombineMultipleFilesToStack(bool value);
+    void setShowQuickLookPreviews(bool value);
+    void setShowFaviconsForWeblocFiles(bool value);
+    void setResolveAliasFiles(bool value);
+    void setReduceMotion(bool value);
+    void setAlternateDragData(AlternateDragData value);
+    void setMaximumItemCount(qint64 value);
+
+    DefaultsStore& store() { return store_; }
+
+signals:
+    void changed(mosswick::Preference preference);
+
+private:
+    DefaultsStore& store_;
+    ShelfPosition position_ = ShelfPosition::rightBottom;
+    ShelfSize size_ = ShelfSize::adaptiveSmallest;
+    bool showMenuBarIcon_ = true;
+    AppearanceMode appearance_ = AppearanceMode::system;
+    bool restoreItemsOnLaunch_ = true;
+    bool checkForUpdatesAutomatically_ = true;
+    bool automaticallyShow_ = true;
+    ShowTrigger showTrigger_ = ShowTrigger::dragStarts;
+    bool hideWhenEmpty_ = true;
+    QStringList ignoredApplications_;
+    bool removeItemsWhenDraggedOut_ = true;
+    bool combineMultipleFilesToStack_ = true;
+    bool showQuickLookPreviews_ = true;
+    bool showFaviconsForWeblocFiles_ = false;
+    bool resolveAliasFiles_ = false;
+    bool reduceMotion_ = false;
+    AlternateDragData alternateDragData_ = AlternateDragData::none;
+    qint64 maximumItemCount_ = 100;
+};
+
+}  // namespace mosswick

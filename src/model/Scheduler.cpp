@@ -1,0 +1,42 @@
+#include "model/Scheduler.h"
+
+#include "platform/qt/QtScheduler.h"
+
+namespace mosswick {
+
+ScheduledTask::ScheduledTask(std::shared_ptr<State> state) : state_(std::move(state)) {}
+
+ScheduledTask::~ScheduledTask() { cancel(); }
+
+ScheduledTask::ScheduledTask(ScheduledTask&& other) noexcept : state_(std::move(other.state_)) {}
+
+ScheduledTask& ScheduledTask::operator=(ScheduledTask&& other) noexcept {
+    if (this != &other) {
+        cancel();
+        state_ = std::move(other.state_);
+    }
+    return *this;
+}
+
+void ScheduledTask::cancel() {
+    if (state_) state_->cancelled = true;
+    state_.reset();
+}
+
+bool ScheduledTask::isPending() const { return state_ && !state_->cancelled && !state_->finished; }
+
+namespace {
+Scheduler* installed = nullptr;
+}
+
+Scheduler& Scheduler::shared() {
+    if (!installed) {
+        static QtScheduler fallback;
+        installed = &fallback;
+    }
+    return *installed;
+}
+
+void Scheduler::setShared(Scheduler* scheduler) { installed = scheduler; }
+
+}  // namespace mosswick

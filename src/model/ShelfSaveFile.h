@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <cstdint>
+#include <filesystem>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "model/ShelfItem.h"
+
+namespace mosswick {
+
+// "shelf.json": one JSON array of item records, top of the shelf first, pretty-printed with keys
+// sorted. Writes are atomic and may come from any thread; a write of an older snapshot that
+// arrives after a newer one was written is skipped, so the file never goes back in time.
+class ShelfSaveFile {
+public:
+    explicit ShelfSaveFile(std::filesystem::path file);
+
+    const std::filesystem::path& path() const { return file_; }
+
+    static QByteArray encode(const std::vector<ShelfItem>& items);
+    // Nothing when the bytes are not JSON or the top level is not an array; bad elements are
+    // dropped.
+    static std::optional<std::vector<ShelfItem>> decode(const QByteArray& bytes);
+
+    // Nothing when the file cannot be read or decoded.
+    std::optional<std::vector<ShelfItem>> read() const;
+
+    // Numbers snapshots in the order they were taken (main thread).
+    std::uint64_t nextGeneration() { return ++issued_; }
+    // Thread-safe; false when the write failed (logged) or was skipped as stale.
+    bool write(const std::vector<ShelfItem>& items, std::uint64_t generation);
+
+private:
+    std::filesystem::path file_;
+    std::uint64_t issued_ = 0;
+    std::mutex writing_;
+    std::uint64_t written_ = 0;
+};
+
+}  // namespace mosswick

@@ -1,0 +1,239 @@
+#include "model/ShelfStore.h"
+
+#include <algorithm>
+#include <map>
+
+#include "model/AppFiles.h"
+#include "model/ItemStaging.h"
+#include "model/Logging.h"
+#include "model/Preferences.h"
+#include "model/ThumbnailCache.h"
+
+namespace mosswick {
+
+namespace {
+ShelfStore* installed = nullptr;
+
+bool contains(const std::set<QUuid>& ids, const QUuid& id) { return ids.find(id) != ids.end(); }
+}  // namespace
+
+ShelfStore::ShelfStore(Preferences& preferences, Scheduler& scheduler,
+                       std::filesystem::path saveFile, QObject* parent)
+    : QObject(parent),
+      preferences_(preferences),
+      scheduler_(scheduler),
+      saveFile_(std::make_shared<ShelfSaveFile>(std::move(saveFile))) {
+    restore();
+}
+
+ShelfStore::~ShelfStore() {
+    if (installed == this) installed = nullptr;
+}
+
+ShelfStore& ShelfStore::shared() {
+    if (!installed) {
+        static ShelfStore store(Preferences::shared(), Scheduler::shared(), AppFiles::saveFile());
+        installed = &store;
+    }
+    return *installed;
+}
+
+void ShelfStore::setShared(ShelfStore* store) { installed = store; }
+
+void ShelfStore::setSelection(std::set<QUuid> selection) {
+    if (selection == selection_) return;
+    selection_ = std::move(selection);
+    emit selectionChanged();
+}
+
+void ShelfStore::setTargeted(bool targeted) {
+    if (targeted == isTargeted_) return;
+    isTargeted_ = targeted;
+    emit targetedChanged();
+}
+
+void ShelfStore::restore() {
+    if (preferences_.restoreItemsOnLaunch()) {
+        if (auto saved = saveFile_->read()) {
+            for (ShelfItem& item : *saved) {
+                if (item.dragURL()) items_.push_back(std::move(item));
+            }
+        }
+    }
+    std::set<QUuid> keeping;
+    for (const ShelfItem& item : items_) keeping.insert(item.id);
+    ItemStaging::pruneOrphans(keeping);
+}
+
+void ShelfStore::add(std::vector<ShelfItem> items) {
+    items_.insert(items_.begin(), std::make_move_iterator(items.begin()),
+                  std::make_move_iterator(items.end()));
+    enforceCapacity();
+    emit itemsChanged();
+    scheduleSave();
+}
+
+void ShelfStore::update(const ShelfItem& item) {
+    auto stored = std::find_if(items_.begin(), items_.end(),
+                               [&](const ShelfItem& candidate) { return candidate.id == item.id; });
+    if (stored == items_.end()) return;
+    const std::optional<QUuid> batch = stored->batchID;
+    *stored = item;
+    stored->batchID = batch;
+    emit itemsChanged();
+    scheduleSave();
+}
+
+void ShelfStore::remove(const std::set<QUuid>& ids, bool recordForUndo) {
+    if (ids.empty()) return;
+    Batch removed;
+    std::vector<ShelfItem> kept;
+    kept.reserve(items_.size());
+    for (ShelfItem& item : items_) {
+        (contains(ids, item.id) ? removed : kept).push_back(std::move(item));
+    }
+    items_ = std::move(kept);  // when nothing matched, every item went to `kept`
+    if (removed.empty()) return;
+
+    std::set<QUuid> selection;
+    std::set_difference(selection_.begin(), selection_.end(), ids.begin(), ids.end(),
+                        std::inserter(selection, selection.end()));
+    const bool selectionChanged = selection != selection_;
+    selection_ = std::move(selection);
+
+    if (recordForUndo) {
+        removalHistory_.push_front(std::move(removed));
+        if (removalHistory_.size() > static_cast<size_t>(kRemovalHistoryLimit)) {
+            for (const ShelfItem& item : removalHistory_.back()) forget(item);
+            removalHistory_.pop_back();
+        }
+    } else {
+        for (const ShelfItem& item : removed) forget(item);
+    }
+
+    emit itemsChanged();
+    if (selectionChanged) emit this->selectionChanged();
+    scheduleSave();
+}
+
+void ShelfStore::removeAll() {
+    std::set<QUuid> all;
+    for (const ShelfItem& item : items_) all.insert(item.id);
+    remove(all, true);
+}
+
+void ShelfStore::restoreLastRemoved() {
+    if (removalHistory_.empty()) return;
+    Batch batch = std::move(removalHistory_.front());
+    removalHistory_.pop_front();
+    items_.insert(items_.begin(), std::make_move_iterator(batch.begin()),
+                  std::make_move_iterator(batch.end()));
+    enforceCapacity();
+    emit itemsChanged();
+    scheduleSave();
+}
+
+void ShelfStore::ungroup(const ShelfItem& item) {
+    if (!item.batchID) return;
+    for (ShelfItem& stored : items_) {
+        if (stored.batchID == item.batchID) stored.batchID.reset();
+    }
+    emit itemsChanged();
+    scheduleSave();
+}
+
+std::vector<ShelfItem> ShelfStore::members(const ShelfItem& item) const {
+    if (!item.batchID) return {item};
+    std::vector<ShelfItem> found;
+    for (const ShelfItem& stored : items_) {
+        if (stored.batchID == item.batchID) found.push_back(stored);
+    }
+    if (found.size() < 2) return {item};
+    return found;
+}
+
+void ShelfStore::toggleSelection(const ShelfItem& item, bool extending) {
+    std::set<QUuid> unit;
+    for (const ShelfItem& member : members(item)) unit.insert(member.id);
+    if (!extending) {
+        setSelection(std::move(unit));
+        return;
+    }
+    const bool anySelected = std::any_of(unit.begin(), unit.end(),
+                                         [&](const QUuid& id) { return contains(selection_, id); });
+    std::set<QUuid> selection = selection_;
+    for (const QUuid& id : unit) {
+        if (anySelected)
+            selection.erase(id);
+        else
+            selection.insert(id);
+    }
+    setSelection(std::move(selection));
+}
+
+std::vector<ShelfItem> ShelfStore::dragPayload(const ShelfItem& startingFrom) const {
+    if (!contains(selection_, startingFrom.id) || selection_.size() <= 1) return members(startingFrom);
+    std::set<QUuid> selectedBatches;
+    for (const ShelfItem& item : items_) {
+        if (item.batchID && contains(selection_, item.id)) selectedBatches.insert(*item.batchID);
+    }
+    std::vector<ShelfItem> payload;
+    for (const ShelfItem& item : items_) {
+        if (contains(selection_, item.id) || (item.batchID && contains(selectedBatches, *item.batchID)))
+            payload.push_back(item);
+    }
+    return payload;
+}
+
+std::vector<ShelfTile> ShelfStore::tiles(const std::vector<ShelfItem>& items) {
+    std::vector<ShelfTile> tiles;
+    std::map<QUuid, size_t> tileOfBatch;
+    for (const ShelfItem& item : items) {
+        if (item.batchID) {
+            if (auto found = tileOfBatch.find(*item.batchID); found != tileOfBatch.end()) {
+                tiles[found->second].items.push_back(item);
+                continue;
+            }
+            tileOfBatch.emplace(*item.batchID, tiles.size());
+        }
+        tiles.push_back(ShelfTile{{item}});
+    }
+    return tiles;
+}
+
+void ShelfStore::flush() {
+    saveTask_.cancel();
+    saveFile_->write(items_, saveFile_->nextGeneration());
+}
+
+void ShelfStore::enforceCapacity() {
+    const qint64 limit = preferences_.maximumItemCount();
+    if (limit < 1 || static_cast<qint64>(items_.size()) <= limit) return;
+    const auto firstOverflow = items_.begin() + static_cast<std::ptrdiff_t>(limit);
+    std::vector<ShelfItem> overflow(std::make_move_iterator(firstOverflow),
+                                    std::make_move_iterator(items_.end()));
+    items_.erase(firstOverflow, items_.end());
+    bool selectionChanged = false;
+    for (const ShelfItem& item : overflow) selectionChanged |= selection_.erase(item.id) > 0;
+    for (const ShelfItem& item : overflow) forget(item);
+    if (selectionChanged) emit this->selectionChanged();
+}
+
+void ShelfStore::scheduleSave() {
+    // The snapshot and its place in line are taken now; the write happens after the debounce, off
+    // the main thread. A write already running keeps the save file alive past the store.
+    auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
+    const std::uint64_t generation = saveFile_->nextGeneration();
+    saveTask_ = scheduler_.after(kSaveDelay, [this, snapshot, generation] {
+        scheduler_.background([snapshot, generation, file = saveFile_] {
+            file->write(*snapshot, generation);
+        });
+    });
+}
+
+void ShelfStore::forget(const ShelfItem& item) {
+    ItemStaging::discard(item.id);
+    if (thumbnails_) thumbnails_->evict(item.id);
+}
+
+}  // namespace mosswick

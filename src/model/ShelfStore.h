@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QObject>
+#include <deque>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "model/Scheduler.h"
+#include "model/ShelfItem.h"
+#include "model/ShelfSaveFile.h"
+#include "model/ShelfTile.h"
+
+namespace mosswick {
+
+class Preferences;
+class ThumbnailCache;
+
+// The one ordered list of items on the shelf (newest first), the selection, the drop-hover flag
+// and the history of removals that can be brought back. Every change goes through its
+// operations; the list is saved 0.4 s after the last change, off the main thread. Main thread
+// only.
+class ShelfStore : public QObject {
+    Q_OBJECT
+
+public:
+    using Batch = std::vector<ShelfItem>;
+    static constexpr int kRemovalHistoryLimit = 10;
+    static constexpr double kSaveDelay = 0.4;
+
+    // Restores the saved shelf at once (and prunes orphaned staging folders).
+    ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
+               QObject* parent = nullptr);
+    ~ShelfStore() override;
+
+    static ShelfStore& shared();
+    static void setShared(ShelfStore* store);
+
+    const std::vector<ShelfItem>& items() const { return items_; }
+    const std::set<QUuid>& selection() const { return selection_; }
+    void setSelection(std::set<QUuid> selection);
+    bool isTargeted() const { return isTargeted_; }
+    void setTargeted(bool targeted);
+    const std::deque<Batch>& removalHistory() const { return removalHistory_; }
+    // Mirrors kRemovalHistoryLimit; the trim in remove() uses the constant.
+    int removalHistoryLimit() const { return removalHistoryLimit_; }
+
+    void setThumbnailCache(ThumbnailCache* cache) { thumbnails_ = cache; }
+
+    void add(std::vector<ShelfItem> items);
+    void update(const ShelfItem& item);
+    void remove(const std::set<QUuid>& ids, bool recordForUndo);
+    void removeAll();
+    void restoreLastRemoved();
+    void ungroup(const ShelfItem& item);
+    std::vector<ShelfItem> members(const ShelfItem& item) const;
+    void toggleSelection(const ShelfItem& item, bool extending);
+    std::vector<ShelfItem> dragPayload(const ShelfItem& startingFrom) const;
+    static std::vector<ShelfTile> tiles(const std::vector<ShelfItem>& items);
+
+    // Writes the shelf now, on this thread, cancelling the pending save.
+    void flush();
+    bool hasPendingSave() const { return saveTask_.isPending(); }
+    const ShelfSaveFile& saveFile() const { return *saveFile_; }
+
+signals:
+    void itemsChanged();
+    void selectionChanged();
+    void targetedChanged();
+
+private:
+    void restore();
+    void enforceCapacity();
+    void scheduleSave();
+    void forget(const ShelfItem& item);  // staged copy and cached preview, for good
+
+    Preferences& preferences_;
+    Scheduler& scheduler_;
+    ThumbnailCache* thumbnails_ = nullptr;
+    std::vector<ShelfItem> items_;
+    std::set<QUuid> selection_;
+    bool isTargeted_ = false;
+    std::deque<Batch> removalHistory_;
+    int removalHistoryLimit_ = kRemovalHistoryLimit;
+    std::shared_ptr<ShelfSaveFile> saveFile_;
+    ScheduledTask saveTask_;
+};
+
+}  // namespace mosswick

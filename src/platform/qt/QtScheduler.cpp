@@ -1,0 +1,42 @@
+#include "platform/qt/QtScheduler.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+#include <cmath>
+
+namespace mosswick {
+
+QtScheduler::QtScheduler() {
+    clock_.start();
+    pool_.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
+}
+
+QtScheduler::~QtScheduler() { pool_.waitForDone(); }
+
+ScheduledTask QtScheduler::after(double seconds, std::function<void()> task) {
+    auto state = std::make_shared<ScheduledTask::State>();
+    const int ms = static_cast<int>(std::lround(std::max(0.0, seconds) * 1000.0));
+    QTimer::singleShot(ms, Qt::PreciseTimer, &context_, [state, task = std::move(task)] {
+        if (state->cancelled) return;
+        state->finished = true;
+        task();
+    });
+    return ScheduledTask(state);
+}
+
+void QtScheduler::background(std::function<void()> work, std::function<void()> done) {
+    QObject* context = &context_;  // outlives every job: the destructor waits for the pool
+    pool_.start([work = std::move(work), done = std::move(done), context]() mutable {
+        work();
+        if (!done) return;
+        // The context object lives on the main thread; queued onto it, `done` runs there, and is
+        // dropped if the scheduler is gone by then.
+        QMetaObject::invokeMethod(context, std::move(done), Qt::QueuedConnection);
+    });
+}
+
+double QtScheduler::now() const { return static_cast<double>(clock_.nsecsElapsed()) / 1e9; }
+
+void QtScheduler::waitForBackgroundWork() { pool_.waitForDone(); }
+
+}  // namespace mosswick

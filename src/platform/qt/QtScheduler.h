@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+#include <QThreadPool>
+#include <QElapsedTimer>
+
+#include "model/Scheduler.h"
+
+namespace mosswick {
+
+// The application's scheduler: single-shot Qt timers on the main thread and a thread pool for
+// background work. Background jobs still running at destruction are waited for, so a pending
+// save is never cut off at quit.
+class QtScheduler final : public Scheduler {
+public:
+    QtScheduler();
+    ~QtScheduler() override;
+
+    ScheduledTask after(double seconds, std::function<void()> task) override;
+    void background(std::function<void()> work, std::function<void()> done = {}) override;
+    double now() const override;
+
+    void waitForBackgroundWork();
+
+private:
+    QObject context_;
+    QThreadPool pool_;
+    QElapsedTimer clock_;
+};
+
+}  // namespace mosswick

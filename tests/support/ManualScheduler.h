@@ -1,0 +1,48 @@
+#pragma once
+
+#include <deque>
+#include <vector>
+
+#include "model/Scheduler.h"
+
+namespace mosswick::testing {
+
+// A scheduler driven by hand: time stands still until advance() moves it, so tests of
+// debounces and grace periods never sleep. Background work runs on the calling thread when time
+// moves (or at drain()), before the timers that fall due.
+class ManualScheduler final : public Scheduler {
+public:
+    ScheduledTask after(double seconds, std::function<void()> task) override;
+    void background(std::function<void()> work, std::function<void()> done = {}) override;
+    double now() const override { return now_; }
+
+    // Moves time forward, running background work and every timer that falls due in order,
+    // including timers those timers schedule.
+    void advance(double seconds);
+    // Runs queued background work and timers already due, without moving time.
+    void drain() { advance(0); }
+
+    // Timers not yet run nor cancelled.
+    size_t pendingTimers() const;
+    size_t pendingBackgroundJobs() const { return jobs_.size(); }
+
+private:
+    struct Timer {
+        double due;
+        unsigned long sequence;
+        std::shared_ptr<ScheduledTask::State> state;
+        std::function<void()> task;
+    };
+    struct Job {
+        std::function<void()> work;
+        std::function<void()> done;
+    };
+    void runJobs();
+
+    double now_ = 0;
+    unsigned long sequence_ = 0;
+    std::vector<Timer> timers_;
+    std::deque<Job> jobs_;
+};
+
+}  // namespace mosswick::testing

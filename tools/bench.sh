@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Runs the benchmarks and prints one table row per measurement.
+set -euo pipefail
+build=${1:-build}
+here=$(cd "$(dirname "$0")/.." && pwd)
+shopt -s nullglob
+for script in "$here"/bench/*.sh; do
+  bash "$script" "$build"
+done

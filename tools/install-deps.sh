@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Mosswick needs to build, test and run.
+# Idempotent: packages already installed are skipped, and apt is not touched at all when
+# nothing is missing. Uses sudo only when not running as root.
+set -euo pipefail
+
+packages=(
+  # toolchain
+  cmake g++ make pkg-config ninja-build clang libclang-rt-14-dev clang-format
+  # Qt 6 (Core, Gui, Widgets, DBus, Network) and the xcb platform plugin
+  qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
+  # X11 backends
+  libx11-dev libx11-xcb-dev libxcb1-dev libxfixes-dev libxi-dev libxkbcommon-dev libxkbcommon-x11-dev
+  # update signatures
+  libsodium-dev
+  # tests and benchmarks
+  libgtest-dev libgmock-dev libbenchmark-dev
+  # desktop tests: headless X server, window manager, input driving, inspection, screenshots
+  xvfb openbox xdotool x11-utils imagemagick xcompmgr dbus dbus-x11 xarchiver zip
+  fonts-dejavu-core shared-mime-info
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+echo "Installing: ${missing[*]}"
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"
