@@ -1,7 +1,10 @@
 #include "model/ItemStaging.h"
 
 namespace mosswick::ItemStaging {
-const std::filesystem::path& directory() { static std::filesystem::path p; return p; }
+const std::filesystem::path& directory() {
+    static std::filesystem::path p;
+    return p;
+}
 std::filesystem::path itemFolder(const QUuid&) { return {}; }
 Result<std::filesystem::path> stage(const std::filesystem::path&, const QUuid&) { return Failure{}; }
 Result<std::filesystem::path> promiseDestination(const QUuid&) { return Failure{}; }

@@ -7,7 +7,7 @@ namespace mosswick::LocalPath {
 namespace {
 // Characters left as they are in a file URL's path besides the unreserved set.
 const QByteArray kPathSafe = "/!$&'()*+,;=:@~";
-}
+}  // namespace
 
 QByteArray bytes(const std::filesystem::path& path) {
     const std::string& native = path.native();

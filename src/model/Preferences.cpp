@@ -3,7 +3,9 @@
 namespace mosswick {
 QString preferenceKey(Preference) { return {}; }
 Preferences::Preferences(DefaultsStore& store, QObject* parent) : QObject(parent), store_(store) {}
-namespace { Preferences* installed = nullptr; }
+namespace {
+Preferences* installed = nullptr;
+}
 Preferences& Preferences::shared() { return *installed; }
 void Preferences::setShared(Preferences* p) { installed = p; }
 void Preferences::setPosition(ShelfPosition) {}

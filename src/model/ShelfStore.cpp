@@ -17,8 +17,8 @@ ShelfStore* installed = nullptr;
 bool contains(const std::set<QUuid>& ids, const QUuid& id) { return ids.find(id) != ids.end(); }
 }  // namespace
 
-ShelfStore::ShelfStore(Preferences& preferences, Scheduler& scheduler,
-                       std::filesystem::path saveFile, QObject* parent)
+ShelfStore::ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
+                       QObject* parent)
     : QObject(parent),
       preferences_(preferences),
       scheduler_(scheduler),
@@ -159,8 +159,8 @@ void ShelfStore::toggleSelection(const ShelfItem& item, bool extending) {
         setSelection(std::move(unit));
         return;
     }
-    const bool anySelected = std::any_of(unit.begin(), unit.end(),
-                                         [&](const QUuid& id) { return contains(selection_, id); });
+    const bool anySelected =
+        std::any_of(unit.begin(), unit.end(), [&](const QUuid& id) { return contains(selection_, id); });
     std::set<QUuid> selection = selection_;
     for (const QUuid& id : unit) {
         if (anySelected)
@@ -225,9 +225,8 @@ void ShelfStore::scheduleSave() {
     auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
     const std::uint64_t generation = saveFile_->nextGeneration();
     saveTask_ = scheduler_.after(kSaveDelay, [this, snapshot, generation] {
-        scheduler_.background([snapshot, generation, file = saveFile_] {
-            file->write(*snapshot, generation);
-        });
+        scheduler_.background(
+            [snapshot, generation, file = saveFile_] { file->write(*snapshot, generation); });
     });
 }
 

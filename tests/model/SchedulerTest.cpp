@@ -32,7 +32,9 @@ TEST(ManualScheduler, CancelledOrDroppedTasksNeverRun) {
     int ran = 0;
     auto cancelled = clock.after(0.1, [&] { ++ran; });
     cancelled.cancel();
-    { auto dropped = clock.after(0.1, [&] { ++ran; }); }
+    {
+        auto dropped = clock.after(0.1, [&] { ++ran; });
+    }
     auto replaced = clock.after(0.1, [&] { ++ran; });
     replaced = clock.after(0.2, [&] { ran += 10; });
     EXPECT_TRUE(replaced.isPending());

@@ -44,8 +44,8 @@ void ManualScheduler::advance(double seconds) {
 }
 
 size_t ManualScheduler::pendingTimers() const {
-    return static_cast<size_t>(std::count_if(timers_.begin(), timers_.end(),
-                                             [](const Timer& t) { return !t.state->cancelled; }));
+    return static_cast<size_t>(
+        std::count_if(timers_.begin(), timers_.end(), [](const Timer& t) { return !t.state->cancelled; }));
 }
 
 }  // namespace mosswick::testing
