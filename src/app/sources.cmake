@@ -1,0 +1,3 @@
+# The application lifecycle logic.
+set(MOSSWICK_APP_SOURCES
+)

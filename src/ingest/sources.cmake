@@ -1,0 +1,3 @@
+# Drop ingestion and clipboard import.
+set(MOSSWICK_INGEST_SOURCES
+)

@@ -1,0 +1,3 @@
+# The settings window logic.
+set(MOSSWICK_SETTINGS_SOURCES
+)
