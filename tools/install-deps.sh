@@ -17,7 +17,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # desktop tests: headless X server, window manager, input driving, inspection, screenshots
   xvfb openbox xdotool x11-utils imagemagick xcompmgr dbus dbus-x11 xarchiver zip
-  fonts-dejavu-core shared-mime-info
+  fonts-dejavu-core shared-mime-info bc python3
 )
 
 missing=()
