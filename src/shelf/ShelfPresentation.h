@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace mosswick {
+
+// The reasons for the shelf to be on screen, and the one veto. The window controller decides
+// from these alone whether the shelf is shown.
+struct ShelfPresentation {
+    bool isDragging = false;
+    bool isSummoned = false;
+    bool isPreviewing = false;
+    bool hasContent = false;
+    bool keepsEmptyShelfUp = false;
+    bool isSuppressed = false;
+
+    bool wantsToBeShown() const {
+        return !isSuppressed && (isDragging || hasContent || isSummoned || isPreviewing || keepsEmptyShelfUp);
+    }
+
+    // Content arriving lifts the veto; the last item leaving a shelf that was up for a reason
+    // keeps it up when the user does not want empty shelves hidden.
+    void contentChanged(bool nowHasContent, bool hideWhenEmpty);
+
+    bool operator==(const ShelfPresentation&) const = default;
+};
+
+}  // namespace mosswick
+
+template <>
+struct std::hash<mosswick::ShelfPresentation> {
+    size_t operator()(const mosswick::ShelfPresentation& p) const noexcept {
+        return size_t(p.isDragging) | size_t(p.isSummoned) << 1 | size_t(p.isPreviewing) << 2 |
+               size_t(p.hasContent) << 3 | size_t(p.keepsEmptyShelfUp) << 4 | size_t(p.isSuppressed) << 5;
+    }
+};

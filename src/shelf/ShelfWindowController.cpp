@@ -1,0 +1,327 @@
+#include "shelf/ShelfWindowController.h"
+
+#include <algorithm>
+
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "shelf/WindowPlacement.h"
+
+namespace mosswick {
+
+namespace {
+ShelfWindowController* installed = nullptr;
+}
+
+ShelfWindowController::ShelfWindowController(Services services)
+    : preferences_(services.preferences),
+      store_(services.store),
+      scheduler_(services.scheduler),
+      displays_(services.displays),
+      desktopMotion_(services.desktopMotion),
+      makePanel_(std::move(services.makePanel)) {
+    displays_.onParametersChanged = [this] { placeAgainIfShown(false); };
+    observePreferences();
+}
+
+ShelfWindowController::~ShelfWindowController() {
+    displays_.onParametersChanged = nullptr;
+    if (installed == this) installed = nullptr;
+}
+
+ShelfWindowController& ShelfWindowController::shared() {
+    if (!installed) qFatal("Mosswick: the shelf window controller is used before start-up installed it");
+    return *installed;
+}
+
+void ShelfWindowController::setShared(ShelfWindowController* controller) { installed = controller; }
+
+// --- Transitions -------------------------------------------------------------------------------
+
+void ShelfWindowController::toggle() {
+    if (presentation_.wantsToBeShown()) {
+        cancelPreview();
+        presentation_.isSuppressed = true;
+        presentation_.isDragging = false;
+        presentation_.isSummoned = false;
+        presentation_.isPreviewing = false;
+        presentation_.keepsEmptyShelfUp = false;
+    } else {
+        presentation_.isSuppressed = false;
+        presentation_.isSummoned = true;
+        presentation_.isPreviewing = false;
+    }
+    applyPresentation(true, 0);
+}
+
+void ShelfWindowController::summon() {
+    presentation_.isSuppressed = false;
+    presentation_.isSummoned = true;
+    presentation_.isPreviewing = false;
+    applyPresentation(true, 0);
+}
+
+void ShelfWindowController::escape() {
+    cancelPreview();
+    presentation_.isDragging = false;
+    presentation_.isSummoned = false;
+    presentation_.isPreviewing = false;
+    presentation_.keepsEmptyShelfUp = false;
+    presentation_.isSuppressed = true;
+    applyPresentation(true, 0);
+}
+
+void ShelfWindowController::dragBegan() {
+    if (!preferences_.automaticallyShow()) return;
+    const ShowTrigger trigger = preferences_.showTrigger();
+    if (trigger == ShowTrigger::dragToScreenEdge) return;
+    presentation_.isSuppressed = false;
+    presentation_.isDragging = true;
+    if (trigger == ShowTrigger::dragStartsAtCursor) anchorToPointerIfAppearing();
+    applyPresentation(true, 0);
+}
+
+void ShelfWindowController::dragReachedEdge() {
+    if (!preferences_.automaticallyShow() || preferences_.showTrigger() != ShowTrigger::dragToScreenEdge)
+        return;
+    presentation_.isSuppressed = false;
+    presentation_.isDragging = true;
+    applyPresentation(true, 0);
+}
+
+void ShelfWindowController::dragEnded() {
+    presentation_.isDragging = false;
+    applyPresentation(true, kDragEndedDelay);
+}
+
+void ShelfWindowController::previewPlacement() {
+    cancelPreview();
+    presentation_.isSuppressed = false;
+    presentation_.isPreviewing = true;
+    applyPresentation(true, 0);
+    previewWorkItem_ = scheduler_.after(kPreviewDuration, [this] {
+        previewWorkItem_ = {};
+        presentation_.isPreviewing = false;
+        applyPresentation(true, 0);
+    });
+}
+
+void ShelfWindowController::cancelPreview() {
+    previewWorkItem_ = {};
+    presentation_.isPreviewing = false;
+}
+
+void ShelfWindowController::anchorToPointerIfAppearing() {
+    if (isShown_ || cursorAnchor_) return;
+    const Display display = pointerDisplay();
+    const ScreenRect frame = WindowPlacement::frameAtCursor(preferences_.size(), tileCount(), display,
+                                                            displays_.pointerLocation());
+    cursorAnchor_ = ScreenPoint{frame.minX(), frame.maxY()};
+}
+
+void ShelfWindowController::rebuildPanel() {
+    if (panel_) panel_->orderOut();
+    panel_.reset();
+    isShown_ = false;
+    applyPresentation(false, 0);
+}
+
+// --- Deciding ----------------------------------------------------------------------------------
+
+void ShelfWindowController::applyPresentation(bool animated, double afterDelay) {
+    hideWorkItem_ = {};
+    if (afterDelay <= 0) {
+        reconcile(animated);
+        return;
+    }
+    // Dropping the handle cancels it, so a controller that is gone is never called back.
+    hideWorkItem_ = scheduler_.after(afterDelay, [this, animated] { reconcile(animated); });
+}
+
+void ShelfWindowController::reconcile(bool animated) {
+    presentation_.contentChanged(!store_.items().empty(), preferences_.hideWhenEmpty());
+    if (presentation_.wantsToBeShown()) {
+        show(animated);
+        return;
+    }
+    if (!isShown_) return;
+    // Not from under the pointer or a hovering drag: look again until they have left.
+    const ScreenRect lingerArea =
+        panel_ ? panel_->frame().insetBy(-kLingerMargin, -kLingerMargin) : ScreenRect{};
+    if ((panel_ && lingerArea.contains(displays_.pointerLocation())) || store_.isTargeted()) {
+        applyPresentation(animated, kLookAgainDelay);
+        return;
+    }
+    hide(animated);
+}
+
+// --- Moving the panel --------------------------------------------------------------------------
+
+void ShelfWindowController::makePanelIfNeeded() {
+    if (panel_) return;
+    const ScreenRect frame = WindowPlacement::edgeFrame(preferences_.position(), preferences_.size(),
+                                                        tileCount(), pointerDisplay());
+    panel_ = makePanel_(frame);
+    panel_->onTargetChange = [this](bool targeted) { targetChanged(targeted); };
+    panel_->onEscape = [this] { escape(); };
+    panel_->setAppearance(preferences_.appearance());
+}
+
+void ShelfWindowController::show(bool animated) {
+    makePanelIfNeeded();
+    const ScreenRect frame = targetFrame(pointerDisplay());
+    if (isShown_) {
+        setFrame(frame, animated);
+        return;
+    }
+    isShown_ = true;
+    ++transitionToken_;
+    // A shelf opened at the pointer appears in place: sliding in from the edge would make no sense.
+    if (animated && mayAnimate() && !cursorAnchor_) {
+        panel_->setAlpha(0);
+        // Mapped at its place first: a window manager pulls a window mapped off-screen back on.
+        panel_->setFrame(frame);
+        panel_->orderFront();
+        panel_->setFrame(frame.offsetBy(outwards(), 0));
+        panel_->animate({frame, 1.0, kSlideInDuration, AnimationCurve::easeOut}, {});
+    } else {
+        panel_->setFrame(frame);
+        panel_->setAlpha(1);
+        panel_->orderFront();
+    }
+}
+
+void ShelfWindowController::hide(bool animated) {
+    if (!panel_ || !isShown_) return;
+    isShown_ = false;
+    const qint64 token = ++transitionToken_;
+    cursorAnchor_.reset();
+    store_.setSelection({});
+    if (animated && mayAnimate()) {
+        const ScreenRect target = panel_->frame().offsetBy(outwards(), 0);
+        std::weak_ptr<int> alive = alive_;
+        panel_->animate({target, 0.0, kSlideOutDuration, AnimationCurve::easeIn}, [this, alive, token] {
+            // A show or hide since then owns the panel now.
+            if (alive.expired() || transitionToken_ != token || !panel_) return;
+            panel_->orderOut();
+            panel_->setAlpha(1);
+        });
+    } else {
+        panel_->orderOut();
+        panel_->setAlpha(1);
+    }
+}
+
+void ShelfWindowController::setFrame(const ScreenRect& frame, bool animated) {
+    if (!panel_) return;
+    const std::vector<Display> displays = displays_.displays();
+    const std::optional<Display> target = WindowPlacement::screen(displays, frame.center());
+    const std::optional<Display> current = WindowPlacement::screenHolding(displays, panel_->frame());
+    const bool visible = panel_->isVisible();
+    const bool changesDisplay = visible && target && (!current || *current != *target);
+    if (!animated) {
+        panel_->setFrame(frame);
+        if (visible && !current && target) panel_->orderFront();
+        return;
+    }
+    // Sliding across the gap between two displays would show the panel torn between them.
+    if (mayAnimate() && !changesDisplay) {
+        panel_->animate({frame, std::nullopt, kMoveDuration, AnimationCurve::easeOut}, {});
+        return;
+    }
+    panel_->setFrame(frame);
+    if (changesDisplay) panel_->orderFront();
+}
+
+ScreenRect ShelfWindowController::targetFrame(const Display& display) const {
+    if (cursorAnchor_)
+        return WindowPlacement::anchoredFrame(*cursorAnchor_, preferences_.size(), tileCount(), display);
+    return WindowPlacement::edgeFrame(preferences_.position(), preferences_.size(), tileCount(), display);
+}
+
+Display ShelfWindowController::pointerDisplay() const {
+    return WindowPlacement::pointerScreen(displays_.displays(), displays_.pointerLocation());
+}
+
+qint64 ShelfWindowController::tileCount() const {
+    return static_cast<qint64>(ShelfStore::tiles(store_.items()).size());
+}
+
+bool ShelfWindowController::mayAnimate() const {
+    return !preferences_.reduceMotion() && !desktopMotion_.reducesMotion();
+}
+
+double ShelfWindowController::outwards() const {
+    return WindowPlacement::isLeftSide(preferences_.position()) ? -kSlideDistance : kSlideDistance;
+}
+
+void ShelfWindowController::placeAgainIfShown(bool animated) {
+    if (panel_ && isShown_) setFrame(targetFrame(pointerDisplay()), animated);
+}
+
+void ShelfWindowController::targetChanged(bool targeted) {
+    store_.setTargeted(targeted);
+    if (targeted) {
+        // A drag hovering over the shelf must not be cut short by a pending hide.
+        hideWorkItem_ = {};
+    } else {
+        applyPresentation(true, kTargetLeftDelay);
+    }
+}
+
+// --- Observations ------------------------------------------------------------------------------
+
+void ShelfWindowController::observePreferences() {
+    lastHideWhenEmpty_ = preferences_.hideWhenEmpty();
+    lastHasContent_ = !store_.items().empty();
+    lastTileCount_ = tileCount();
+    QObject::connect(&preferences_, &Preferences::changed, &observations_,
+                     [this](Preference preference) { preferenceChanged(preference); });
+    QObject::connect(&store_, &ShelfStore::itemsChanged, &observations_, [this] { itemsChanged(); });
+}
+
+void ShelfWindowController::preferenceChanged(Preference preference) {
+    switch (preference) {
+        case Preference::position:
+        case Preference::size:
+            deliverLater([this] { placeAgainIfShown(true); });
+            break;
+        case Preference::appearance:
+            deliverLater([this] {
+                if (panel_) panel_->setAppearance(preferences_.appearance());
+            });
+            break;
+        case Preference::hideWhenEmpty:
+            deliverLater([this, hideWhenEmpty = preferences_.hideWhenEmpty()] {
+                if (hideWhenEmpty == lastHideWhenEmpty_) return;
+                lastHideWhenEmpty_ = hideWhenEmpty;
+                if (hideWhenEmpty) presentation_.keepsEmptyShelfUp = false;
+                applyPresentation(true, 0);
+            });
+            break;
+        default:
+            break;
+    }
+}
+
+void ShelfWindowController::itemsChanged() {
+    const bool hasContent = !store_.items().empty();
+    const qint64 tiles = tileCount();
+    deliverLater([this, hasContent, tiles] {
+        if (hasContent != lastHasContent_) {
+            lastHasContent_ = hasContent;
+            presentation_.contentChanged(hasContent, preferences_.hideWhenEmpty());
+            applyPresentation(true, 0);
+        }
+        if (tiles != lastTileCount_) {
+            lastTileCount_ = tiles;
+            if (isAdaptive(preferences_.size())) placeAgainIfShown(true);
+        }
+    });
+}
+
+void ShelfWindowController::deliverLater(std::function<void()> effect) {
+    std::erase_if(deliveries_, [](const ScheduledTask& task) { return !task.isPending(); });
+    deliveries_.push_back(scheduler_.after(0, std::move(effect)));
+}
+
+}  // namespace mosswick

@@ -1,0 +1,132 @@
+#pragma once
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "model/Scheduler.h"
+#include "shelf/DesktopMotionSetting.h"
+#include "shelf/DisplayEnvironment.h"
+#include "shelf/ShelfPanelSurface.h"
+#include "shelf/ShelfPresentation.h"
+
+namespace mosswick {
+
+class Preferences;
+enum class Preference;
+class ShelfStore;
+
+// The one place that puts the shelf on screen or takes it away. Triggers change the reasons in
+// `presentation()` and ask for `applyPresentation`; the controller shows, hides, places and
+// animates the panel accordingly, and keeps it placed as preferences, the tile count and the
+// displays change. Main thread only.
+class ShelfWindowController {
+public:
+    static constexpr double kSlideDistance = 214;
+    static constexpr double kSlideInDuration = 0.26;
+    static constexpr double kSlideOutDuration = 0.2;
+    static constexpr double kMoveDuration = 0.22;
+    static constexpr double kLingerMargin = 8;
+    static constexpr double kLookAgainDelay = 0.5;
+    static constexpr double kPreviewDuration = 1.8;
+    static constexpr double kDragEndedDelay = 0.3;
+    static constexpr double kTargetLeftDelay = 0.4;
+
+    // Makes the panel, first placed at the given frame; called on the first show.
+    using PanelFactory = std::function<std::unique_ptr<ShelfPanelSurface>(const ScreenRect& frame)>;
+
+    struct Services {
+        Preferences& preferences;
+        ShelfStore& store;
+        Scheduler& scheduler;
+        DisplayEnvironment& displays;
+        DesktopMotionSetting& desktopMotion;
+        PanelFactory makePanel;
+    };
+
+    explicit ShelfWindowController(Services services);
+    ~ShelfWindowController();
+    ShelfWindowController(const ShelfWindowController&) = delete;
+    ShelfWindowController& operator=(const ShelfWindowController&) = delete;
+
+    // The process-wide controller, installed at start-up (it needs the desktop's backends).
+    static ShelfWindowController& shared();
+    static void setShared(ShelfWindowController* controller);
+
+    // Triggers set these flags, then call applyPresentation.
+    ShelfPresentation& presentation() { return presentation_; }
+    const ShelfPresentation& presentation() const { return presentation_; }
+
+    // Re-evaluates after `afterDelay` seconds (0: now). A newer request replaces a pending one.
+    void applyPresentation(bool animated, double afterDelay);
+
+    // The transitions.
+    void toggle();
+    void summon();
+    void escape();
+    void dragBegan();
+    void dragReachedEdge();
+    void dragEnded();
+    // Shows where and how big the shelf will be after a position or size was picked.
+    void previewPlacement();
+    // Ends a preview without re-evaluating.
+    void cancelPreview();
+    // Before a drag under the at-pointer trigger: the next show opens beside the pointer.
+    void anchorToPointerIfAppearing();
+    // Drops the panel (a new one is made at the next show) and re-applies without animation.
+    void rebuildPanel();
+
+    // Considered shown from the start of a slide-in until the start of a slide-out.
+    bool isShown() const { return isShown_; }
+    qint64 transitionToken() const { return transitionToken_; }
+    std::optional<ScreenPoint> cursorAnchor() const { return cursorAnchor_; }
+    ShelfPanelSurface* panel() const { return panel_.get(); }
+
+private:
+    void makePanelIfNeeded();
+    void show(bool animated);
+    void hide(bool animated);
+    void reconcile(bool animated);
+    void setFrame(const ScreenRect& frame, bool animated);
+    ScreenRect targetFrame(const Display& display) const;
+    Display pointerDisplay() const;
+    qint64 tileCount() const;
+    bool mayAnimate() const;
+    double outwards() const;
+    void placeAgainIfShown(bool animated);
+    void targetChanged(bool targeted);
+
+    void observePreferences();
+    void preferenceChanged(Preference preference);
+    void itemsChanged();
+    // Preference and store changes take effect on a later turn of the main loop, never inside the
+    // setter that caused them.
+    void deliverLater(std::function<void()> effect);
+
+    Preferences& preferences_;
+    ShelfStore& store_;
+    Scheduler& scheduler_;
+    DisplayEnvironment& displays_;
+    DesktopMotionSetting& desktopMotion_;
+    PanelFactory makePanel_;
+
+    std::unique_ptr<ShelfPanelSurface> panel_;
+    bool isShown_ = false;
+    ShelfPresentation presentation_;
+    ScheduledTask hideWorkItem_;
+    ScheduledTask previewWorkItem_;
+    std::optional<ScreenPoint> cursorAnchor_;
+    qint64 transitionToken_ = 0;
+
+    QObject observations_;
+    std::vector<ScheduledTask> deliveries_;
+    bool lastHideWhenEmpty_ = false;
+    bool lastHasContent_ = false;
+    qint64 lastTileCount_ = 0;
+    // Lets animation completions tell whether the controller still exists.
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
+};
+
+}  // namespace mosswick
