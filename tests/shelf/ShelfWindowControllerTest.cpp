@@ -1,0 +1,438 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "FakeDisplayEnvironment.h"
+#include "FakeShelfPanel.h"
+#include "GeometryPrinting.h"
+#include "model/DefaultsStore.h"
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "shelf/ShelfWindowController.h"
+#include "support/ManualScheduler.h"
+#include "support/TestFolders.h"
+
+using namespace mosswick;
+using namespace mosswick::testing;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+namespace {
+
+// 1440 x 900 with a 25-point top bar and a 40-point bottom panel reserved.
+const Display kMain{{0, 0, 1440, 900}, {0, 40, 1440, 835}};
+const Display kSecond{{1440, 0, 1920, 1080}, {1440, 0, 1920, 1080}};
+
+// The default placement (right bottom, adaptive smallest) on the main display.
+const ScreenRect kOneSlot{1238, 46, 196, 144};
+const ScreenRect kTwoSlots{1238, 46, 196, 232};
+const char* const kSlideIn = "animate 1238,46 196x144 alpha 1 0.26s ease-out";
+const char* const kSlideOut = "animate 1452,46 196x144 alpha 0 0.2s ease-in";
+
+ShelfItem item(std::optional<QUuid> batch = std::nullopt) {
+    ShelfItem made;
+    made.id = QUuid::createUuid();
+    made.displayName = QStringLiteral("note.txt");
+    made.batchID = batch;
+    return made;
+}
+
+class ShelfWindowControllerTest : public ::testing::Test {
+protected:
+    ShelfWindowControllerTest() {
+        environment.displayList = {kMain};
+        environment.pointer = {700, 450};
+        controller = std::make_unique<ShelfWindowController>(ShelfWindowController::Services{
+            preferences, store, clock, environment, desktopMotion, [this](const ScreenRect& frame) {
+                auto made = std::make_unique<FakeShelfPanel>();
+                made->standAt(frame);
+                panel = made.get();
+                ++panelsMade;
+                return made;
+            }});
+    }
+
+    // Shows the shelf for a drag and lets the slide finish, forgetting what was logged.
+    void showForDrag() {
+        controller->dragBegan();
+        panel->finishAnimations();
+        panel->takeLog();
+    }
+
+    void endDragAndWait() {
+        controller->dragEnded();
+        clock.advance(ShelfWindowController::kDragEndedDelay);
+    }
+
+    std::vector<std::string> log() { return panel->takeLog(); }
+
+    ManualScheduler clock;
+    MemoryDefaultsStore defaults;
+    Preferences preferences{defaults};
+    ShelfStore store{preferences, clock, freshFolder("shelf") / "shelf.json"};
+    FakeDisplayEnvironment environment;
+    FakeDesktopMotionSetting desktopMotion;
+    FakeShelfPanel* panel = nullptr;
+    int panelsMade = 0;
+    std::unique_ptr<ShelfWindowController> controller;
+};
+
+TEST_F(ShelfWindowControllerTest, ADragSlidesTheShelfInFromItsEdge) {
+    controller->dragBegan();
+    ASSERT_NE(panel, nullptr);
+    EXPECT_THAT(log(),
+                ElementsAre("alpha 0", "frame 1238,46 196x144", "front", "frame 1452,46 196x144", kSlideIn));
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_EQ(controller->transitionToken(), 1);
+}
+
+TEST_F(ShelfWindowControllerTest, TheEndOfADragSlidesAnEmptyShelfOutAfterItsDelay) {
+    showForDrag();
+    controller->dragEnded();
+    clock.advance(0.29);
+    EXPECT_THAT(log(), IsEmpty());
+    clock.advance(0.01);
+    EXPECT_THAT(log(), ElementsAre(kSlideOut));
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_EQ(controller->transitionToken(), 2);
+    EXPECT_TRUE(panel->isVisible());
+
+    panel->finishAnimations();
+    EXPECT_THAT(log(), ElementsAre("out", "alpha 1"));
+    EXPECT_FALSE(panel->isVisible());
+}
+
+TEST_F(ShelfWindowControllerTest, ShowingAgainDuringTheSlideOutOutrunsItsCompletion) {
+    showForDrag();
+    endDragAndWait();
+    clock.advance(0.1);
+    controller->dragBegan();
+    EXPECT_EQ(controller->transitionToken(), 3);
+
+    panel->finishAnimations();
+    EXPECT_THAT(log(), Not(Contains("out")));
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_EQ(panel->alpha(), 1);
+    EXPECT_EQ(panel->frame(), kOneSlot);
+}
+
+TEST_F(ShelfWindowControllerTest, HidingDuringTheSlideInStartsFromWhereThePanelStands) {
+    controller->dragBegan();
+    panel->standAt({1345, 46, 196, 144});
+    log();
+    controller->escape();
+    EXPECT_THAT(log(), ElementsAre("animate 1559,46 196x144 alpha 0 0.2s ease-in"));
+}
+
+TEST_F(ShelfWindowControllerTest, ThePointerRestingNearTheShelfKeepsItUpUntilItMovesAway) {
+    showForDrag();
+    environment.pointer = {kOneSlot.minX() - 7, 100};
+    endDragAndWait();
+    clock.advance(3 * ShelfWindowController::kLookAgainDelay);
+    EXPECT_TRUE(controller->isShown());
+
+    environment.pointer = {kOneSlot.minX() - 8.5, 100};
+    clock.advance(ShelfWindowController::kLookAgainDelay - 0.01);
+    EXPECT_TRUE(controller->isShown());
+    clock.advance(0.01);
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_THAT(log(), ElementsAre(kSlideOut));
+}
+
+TEST_F(ShelfWindowControllerTest, ADragHoveringOverTheShelfKeepsItUpUntilItLeaves) {
+    showForDrag();
+    controller->dragEnded();
+    panel->onTargetChange(true);
+    EXPECT_TRUE(store.isTargeted());
+    clock.advance(5);
+    EXPECT_TRUE(controller->isShown());
+
+    panel->onTargetChange(false);
+    EXPECT_FALSE(store.isTargeted());
+    clock.advance(ShelfWindowController::kTargetLeftDelay - 0.01);
+    EXPECT_TRUE(controller->isShown());
+    clock.advance(0.01);
+    EXPECT_FALSE(controller->isShown());
+}
+
+TEST_F(ShelfWindowControllerTest, AHoveringDragSeenAtTheLookAgainDefersTheHide) {
+    showForDrag();
+    store.setTargeted(true);
+    endDragAndWait();
+    EXPECT_TRUE(controller->isShown());
+    store.setTargeted(false);
+    clock.advance(ShelfWindowController::kLookAgainDelay);
+    EXPECT_FALSE(controller->isShown());
+}
+
+TEST_F(ShelfWindowControllerTest, OnlyTheLatestRequestCounts) {
+    showForDrag();
+    controller->dragEnded();
+    controller->applyPresentation(true, 1.0);
+    clock.advance(0.5);
+    EXPECT_TRUE(controller->isShown());
+    clock.advance(0.5);
+    EXPECT_FALSE(controller->isShown());
+
+    showForDrag();
+    controller->dragEnded();
+    controller->applyPresentation(true, 0);  // replaces the pending request and decides now
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+TEST_F(ShelfWindowControllerTest, ToggleShowsAHiddenShelfAndPutsAShownOneAway) {
+    controller->toggle();
+    EXPECT_TRUE(controller->presentation().isSummoned);
+    EXPECT_TRUE(controller->isShown());
+    panel->finishAnimations();
+
+    controller->toggle();
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_TRUE(controller->presentation().isSuppressed);
+    EXPECT_FALSE(controller->presentation().isSummoned);
+}
+
+TEST_F(ShelfWindowControllerTest, APutAwayShelfStaysAwayUntilContentAppearsAgain) {
+    store.add({item()});
+    clock.drain();
+    ASSERT_TRUE(controller->isShown());
+    controller->toggle();
+    clock.advance(10);
+    EXPECT_FALSE(controller->isShown());
+
+    store.removeAll();
+    clock.drain();
+    EXPECT_FALSE(controller->isShown());
+    store.add({item()});
+    clock.drain();
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_FALSE(controller->presentation().isSuppressed);
+}
+
+TEST_F(ShelfWindowControllerTest, EscapeDuringAPreviewEndsItAndHides) {
+    controller->previewPlacement();
+    EXPECT_TRUE(controller->isShown());
+    clock.advance(1);
+    panel->onEscape();
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_FALSE(controller->presentation().isPreviewing);
+    EXPECT_TRUE(controller->presentation().isSuppressed);
+    panel->finishAnimations();
+    clock.advance(5);
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+TEST_F(ShelfWindowControllerTest, APreviewLastsFromTheLatestPick) {
+    controller->previewPlacement();
+    clock.advance(1);
+    controller->previewPlacement();
+    clock.advance(ShelfWindowController::kPreviewDuration - 0.01);
+    EXPECT_TRUE(controller->isShown());
+    clock.advance(0.01);
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_FALSE(controller->presentation().isPreviewing);
+}
+
+TEST_F(ShelfWindowControllerTest, DesktopReducedMotionShowsAndHidesAtOnce) {
+    desktopMotion.reduces = true;
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "alpha 1", "front"));
+    endDragAndWait();
+    EXPECT_THAT(log(), ElementsAre("out", "alpha 1"));
+}
+
+TEST_F(ShelfWindowControllerTest, AShelfOpenedAtThePointerAppearsInPlaceAndForgetsTheAnchorOnHide) {
+    controller->anchorToPointerIfAppearing();
+    ASSERT_TRUE(controller->cursorAnchor());
+    EXPECT_EQ(*controller->cursorAnchor(), (ScreenPoint{724, 522}));
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("frame 724,378 196x144", "alpha 1", "front"));
+
+    environment.pointer = {100, 100};
+    controller->anchorToPointerIfAppearing();
+    EXPECT_EQ(*controller->cursorAnchor(), (ScreenPoint{724, 522}));
+
+    endDragAndWait();
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_FALSE(controller->cursorAnchor());
+}
+
+TEST_F(ShelfWindowControllerTest, MoreTilesOnAnAdaptiveShelfGrowItAnimated) {
+    controller->summon();
+    panel->finishAnimations();
+    log();
+    store.add({item(), item()});
+    clock.drain();
+    const std::vector<std::string> moves = log();
+    EXPECT_THAT(moves, Not(IsEmpty()));
+    EXPECT_THAT(moves, ::testing::Each(std::string("animate 1238,46 196x232 0.22s ease-out")));
+}
+
+TEST_F(ShelfWindowControllerTest, AStackCountsAsOneTile) {
+    controller->summon();
+    const QUuid batch = QUuid::createUuid();
+    store.add({item(batch), item(batch), item(batch)});
+    clock.drain();
+    panel->finishAnimations();
+    EXPECT_EQ(panel->frame(), kOneSlot);
+}
+
+TEST_F(ShelfWindowControllerTest, AChangedDisplayReplacesTheShelfWithoutAnimation) {
+    showForDrag();
+    environment.rearrange({{kMain.frame, {0, 80, 1440, 795}}});
+    EXPECT_THAT(log(), ElementsAre("frame 1238,86 196x144"));
+}
+
+TEST_F(ShelfWindowControllerTest, TheShelfOpensOnThePointersDisplay) {
+    environment.displayList = {kMain, kSecond};
+    environment.pointer = {2000, 500};
+    controller->dragBegan();
+    panel->finishAnimations();
+    EXPECT_EQ(panel->frame(), (ScreenRect{3158, 6, 196, 144}));
+
+    environment.pointer = {-500, 450};  // on no display: the nearest one
+    endDragAndWait();
+    panel->finishAnimations();
+    controller->dragBegan();
+    panel->finishAnimations();
+    EXPECT_EQ(panel->frame(), kOneSlot);
+}
+
+TEST_F(ShelfWindowControllerTest, MovingToAnotherDisplayJumpsInsteadOfSliding) {
+    environment.displayList = {kMain, kSecond};
+    showForDrag();
+    environment.pointer = {2000, 500};
+    controller->summon();
+    EXPECT_THAT(log(), ElementsAre("frame 3158,6 196x144", "front"));
+}
+
+TEST_F(ShelfWindowControllerTest, HidingClearsTheSelection) {
+    const ShelfItem held = item();
+    store.add({held});
+    clock.drain();
+    store.setSelection({held.id});
+    controller->escape();
+    EXPECT_TRUE(store.selection().empty());
+}
+
+TEST_F(ShelfWindowControllerTest, RebuildingDropsThePanelAndShowsAFreshOneAtOnce) {
+    controller->summon();
+    controller->rebuildPanel();
+    EXPECT_EQ(panelsMade, 2);
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "alpha 1", "front"));
+
+    controller->escape();
+    controller->rebuildPanel();
+    EXPECT_EQ(panelsMade, 2);
+    EXPECT_EQ(controller->panel(), nullptr);
+}
+
+TEST_F(ShelfWindowControllerTest, TheEdgeTriggerIgnoresOtherDragEvents) {
+    controller->dragReachedEdge();
+    EXPECT_EQ(panel, nullptr);
+    EXPECT_FALSE(controller->presentation().isDragging);
+}
+
+TEST_F(ShelfWindowControllerTest, PendingWorkDiesWithTheController) {
+    controller->previewPlacement();
+    controller->dragEnded();
+    controller.reset();
+    clock.advance(5);
+    SUCCEED();
+}
+
+// --- Following the preferences ---------------------------------------------------------------
+
+TEST_F(ShelfWindowControllerTest, APickedPositionMovesAShownShelfAnimated) {
+    showForDrag();
+    preferences.setPosition(ShelfPosition::leftTop);
+    EXPECT_THAT(log(), IsEmpty());
+    clock.drain();
+    EXPECT_THAT(log(), ElementsAre("animate 6,685 196x144 0.22s ease-out"));
+}
+
+TEST_F(ShelfWindowControllerTest, TheLeftSideSlidesInAndOutToTheLeft) {
+    preferences.setPosition(ShelfPosition::leftBottom);
+    clock.drain();
+    controller->dragBegan();
+    EXPECT_THAT(log(), Contains("frame -208,46 196x144"));
+    panel->finishAnimations();
+    endDragAndWait();
+    EXPECT_THAT(log(), ElementsAre("animate -208,46 196x144 alpha 0 0.2s ease-in"));
+}
+
+TEST_F(ShelfWindowControllerTest, AFixedSizeIgnoresTheTileCount) {
+    preferences.setSize(ShelfSize::smallest);
+    controller->summon();
+    panel->finishAnimations();
+    log();
+    store.add({item(), item()});
+    clock.drain();
+    EXPECT_THAT(log(), Not(Contains(::testing::HasSubstr("196x232"))));
+}
+
+TEST_F(ShelfWindowControllerTest, TheReduceMotionPreferenceShowsAndHidesAtOnce) {
+    preferences.setReduceMotion(true);
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "alpha 1", "front"));
+    endDragAndWait();
+    EXPECT_THAT(log(), ElementsAre("out", "alpha 1"));
+}
+
+TEST_F(ShelfWindowControllerTest, TheAtPointerTriggerAnchorsTheShelf) {
+    preferences.setShowTrigger(ShowTrigger::dragStartsAtCursor);
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("frame 724,378 196x144", "alpha 1", "front"));
+}
+
+TEST_F(ShelfWindowControllerTest, TheEdgeTriggerShowsOnlyAtTheEdge) {
+    preferences.setShowTrigger(ShowTrigger::dragToScreenEdge);
+    controller->dragBegan();
+    EXPECT_EQ(panel, nullptr);
+    controller->dragReachedEdge();
+    EXPECT_TRUE(controller->isShown());
+}
+
+TEST_F(ShelfWindowControllerTest, WithoutAutomaticShowingDragsOnlyEnd) {
+    preferences.setAutomaticallyShow(false);
+    controller->dragBegan();
+    EXPECT_EQ(panel, nullptr);
+    controller->presentation().isDragging = true;
+    controller->dragEnded();
+    EXPECT_FALSE(controller->presentation().isDragging);
+}
+
+TEST_F(ShelfWindowControllerTest, AnEmptiedShelfStaysUpUntilEmptyShelvesShouldHide) {
+    preferences.setHideWhenEmpty(false);
+    clock.drain();
+    store.add({item()});
+    controller->summon();
+    clock.drain();
+    store.removeAll();
+    clock.drain();
+    EXPECT_TRUE(controller->presentation().keepsEmptyShelfUp);
+    controller->presentation().isSummoned = false;
+    controller->applyPresentation(true, 0);
+    EXPECT_TRUE(controller->isShown());
+
+    preferences.setHideWhenEmpty(true);
+    clock.drain();
+    EXPECT_FALSE(controller->presentation().keepsEmptyShelfUp);
+    EXPECT_FALSE(controller->isShown());
+}
+
+TEST_F(ShelfWindowControllerTest, ThePanelTakesTheAppearancePreference) {
+    preferences.setAppearance(AppearanceMode::dark);
+    clock.drain();
+    controller->summon();
+    EXPECT_EQ(panel->appearance(), AppearanceMode::dark);
+    preferences.setAppearance(AppearanceMode::light);
+    clock.drain();
+    EXPECT_EQ(panel->appearance(), AppearanceMode::light);
+}
+
+}  // namespace
