@@ -328,7 +328,7 @@ TEST_F(ShelfWindowControllerTest, APickedPositionMovesAShownShelfAnimated) {
     preferences.setPosition(ShelfPosition::leftTop);
     EXPECT_THAT(log(), IsEmpty());
     clock.drain();
-    EXPECT_THAT(log(), ElementsAre("animate 6,685 196x144 0.22s ease-out"));
+    EXPECT_THAT(log(), ElementsAre("animate 6,725 196x144 0.22s ease-out"));
 }
 
 TEST_F(ShelfWindowControllerTest, TheLeftSideSlidesInAndOutToTheLeft) {
