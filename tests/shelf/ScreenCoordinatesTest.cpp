@@ -17,6 +17,8 @@ struct LayoutCase {
     Display expected;
 };
 
+void PrintTo(const LayoutCase& row, std::ostream* os) { *os << row.name; }
+
 class QtToScreenCoordinates : public ::testing::TestWithParam<LayoutCase> {};
 
 TEST_P(QtToScreenCoordinates, PutsTheOriginAtTheMainDisplaysLowerLeftWithYUp) {

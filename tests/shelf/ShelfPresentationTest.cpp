@@ -22,6 +22,8 @@ struct ContentCase {
     bool expectedSuppressed;
 };
 
+void PrintTo(const ContentCase& row, std::ostream* os) { *os << row.name; }
+
 ShelfPresentation with(ShelfPresentation p, bool ShelfPresentation::*flag) {
     p.*flag = true;
     return p;

@@ -22,6 +22,8 @@ struct SizeCase {
     double expectedHeight;
 };
 
+void PrintTo(const SizeCase& row, std::ostream* os) { *os << row.name; }
+
 class ShelfHeight : public ::testing::TestWithParam<SizeCase> {};
 
 TEST_P(ShelfHeight, FollowsTheSizeRuleWithinTheSlotsThatFit) {
@@ -55,6 +57,8 @@ struct EdgeCase {
     ShelfPosition position;
     ScreenRect expected;
 };
+
+void PrintTo(const EdgeCase& row, std::ostream* os) { *os << row.name; }
 
 class EdgeFrame : public ::testing::TestWithParam<EdgeCase> {};
 
@@ -91,6 +95,8 @@ struct ClampCase {
     ScreenRect expected;
 };
 
+void PrintTo(const ClampCase& row, std::ostream* os) { *os << row.name; }
+
 class Clamping : public ::testing::TestWithParam<ClampCase> {};
 
 TEST_P(Clamping, MovesWithoutResizing) {
@@ -115,6 +121,8 @@ struct CursorCase {
     ScreenPoint pointer;
     ScreenRect expected;
 };
+
+void PrintTo(const CursorCase& row, std::ostream* os) { *os << row.name; }
 
 class FrameAtCursor : public ::testing::TestWithParam<CursorCase> {};
 
@@ -149,6 +157,8 @@ struct ContainingCase {
     ScreenPoint point;
     std::optional<Display> expected;
 };
+
+void PrintTo(const ContainingCase& row, std::ostream* os) { *os << row.name; }
 
 class ScreenContaining : public ::testing::TestWithParam<ContainingCase> {};
 
