@@ -71,6 +71,8 @@ struct Setting {
     // Also what a missing, unknown or mistyped stored value reads as.
     T defaultValue;
 };
+template <typename T>
+Setting(Preference, const char*, T Preferences::*, T) -> Setting<T>;
 
 Preferences* installed = nullptr;
 
