@@ -5,6 +5,7 @@
 
 #include "model/FileBookmark.h"
 #include "model/LocalPath.h"
+#include "model/Logging.h"
 
 namespace mosswick {
 
@@ -16,27 +17,32 @@ class RecordReader {
 public:
     explicit RecordReader(QJsonObject record) : record_(std::move(record)) {}
 
-    bool failed() const { return failed_; }
+    // The first key that could not be read, if any.
+    std::optional<QLatin1StringView> failedKey() const { return failedKey_; }
 
     template <typename Parse>
     auto optional(QLatin1StringView key, Parse parse) -> decltype(parse(QJsonValue())) {
         const QJsonValue value = record_.value(key);
         if (value.isUndefined() || value.isNull()) return std::nullopt;
         auto parsed = parse(value);
-        if (!parsed) failed_ = true;
+        if (!parsed) fail(key);
         return parsed;
     }
 
     template <typename Parse>
     auto required(QLatin1StringView key, Parse parse) -> decltype(parse(QJsonValue())) {
         auto parsed = optional(key, parse);
-        if (!parsed) failed_ = true;
+        if (!parsed) fail(key);
         return parsed;
     }
 
 private:
+    void fail(QLatin1StringView key) {
+        if (!failedKey_) failedKey_ = key;
+    }
+
     QJsonObject record_;
-    bool failed_ = false;
+    std::optional<QLatin1StringView> failedKey_;
 };
 
 std::optional<QUuid> uuidValue(const QJsonValue& value) {
@@ -128,7 +134,11 @@ QJsonObject ShelfItem::toJson() const {
 }
 
 std::optional<ShelfItem> ShelfItem::fromJson(const QJsonValue& json) {
-    if (!json.isObject()) return std::nullopt;
+    // Whatever is not read here is lost from the shelf, so say what it was.
+    if (!json.isObject()) {
+        qCWarning(lcStore) << "Left out a saved shelf item that is not a JSON object";
+        return std::nullopt;
+    }
     RecordReader read(json.toObject());
     ShelfItem item;
     item.id = read.required(QLatin1StringView("id"), uuidValue).value_or(QUuid());
@@ -143,7 +153,11 @@ std::optional<ShelfItem> ShelfItem::fromJson(const QJsonValue& json) {
     item.webURL = read.optional(QLatin1StringView("webURL"), urlValue);
     item.isPromised = read.optional(QLatin1StringView("isPromised"), boolValue).value_or(false);
     item.batchID = read.optional(QLatin1StringView("batchID"), uuidValue);
-    if (read.failed()) return std::nullopt;
+    if (const auto key = read.failedKey()) {
+        qCWarning(lcStore) << "Left out the saved shelf item" << json[QLatin1StringView("id")]
+                           << "because its" << *key << "is missing or of the wrong type";
+        return std::nullopt;
+    }
     return item;
 }
 

@@ -19,15 +19,13 @@ namespace {
 const char* const kId = "6F1C2B7E-2D6B-4E0A-8D2F-3C1B9A7E5D40";
 
 // A record holding "id" and "displayName" plus `members`.
-std::optional<ShelfItem> decode(const std::string& members) {
+QJsonValue record(const std::string& members) {
     const std::string json =
         std::string(R"({"id": ")") + kId + R"(", "displayName": "Report.pdf")" + members + "}";
-    return ShelfItem::fromJson(QJsonDocument::fromJson(QByteArray::fromStdString(json)).object());
+    return QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
 }
 
-std::optional<ShelfItem> decodeObject(const char* json) {
-    return ShelfItem::fromJson(QJsonDocument::fromJson(json).object());
-}
+QJsonValue object(const char* json) { return QJsonDocument::fromJson(json).object(); }
 
 ShelfItem fullItem(const fs::path& origin, const fs::path& staged) {
     ShelfItem item;
@@ -45,6 +43,23 @@ ShelfItem fullItem(const fs::path& origin, const fs::path& staged) {
     return item;
 }
 
+// Collects the store's warnings while alive.
+class StoreWarnings {
+public:
+    StoreWarnings() : previous_(qInstallMessageHandler(&collect)) { seen().clear(); }
+    ~StoreWarnings() { qInstallMessageHandler(previous_); }
+    static QStringList& seen() {
+        static QStringList messages;
+        return messages;
+    }
+
+private:
+    static void collect(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+        if (type == QtWarningMsg && qstrcmp(context.category, "mosswick.store") == 0) seen().append(text);
+    }
+    QtMessageHandler previous_;
+};
+
 }  // namespace
 
 TEST(ShelfItemJson, MissingAndNullOptionalsTakeTheirDefaults) {
@@ -52,7 +67,7 @@ TEST(ShelfItemJson, MissingAndNullOptionalsTakeTheirDefaults) {
             "contentTypeIdentifier": null, "byteSize": null, "addedAt": null, "webURL": null,
             "isPromised": null, "batchID": null, "unknownKey": [1])"}) {
         const Timestamp before = Timestamp::now();
-        const auto item = decode(members);
+        const auto item = ShelfItem::fromJson(record(members));
         ASSERT_TRUE(item) << members;
         EXPECT_EQ(uuidString(item->id), kId);
         EXPECT_EQ(item->displayName, "Report.pdf");
@@ -64,11 +79,14 @@ TEST(ShelfItemJson, MissingAndNullOptionalsTakeTheirDefaults) {
         EXPECT_GE(item->addedAt, before);
         EXPECT_LE(item->addedAt, Timestamp::now());
     }
-    EXPECT_EQ(decodeObject(R"({"id": "6f1c2b7e-2d6b-4e0a-8d2f-3c1b9a7e5d40", "displayName": ""})")->id,
-              decode("")->id);
+    EXPECT_EQ(
+        ShelfItem::fromJson(object(R"({"id": "6f1c2b7e-2d6b-4e0a-8d2f-3c1b9a7e5d40", "displayName": ""})"))
+            ->id,
+        QUuid::fromString(QLatin1StringView(kId)));
 }
 
-TEST(ShelfItemJson, AWrongOrMissingValueFailsTheWholeItem) {
+TEST(ShelfItemJson, AWrongOrMissingValueFailsTheWholeItemAndSaysWhy) {
+    std::vector<QJsonValue> refused;
     for (const char* members :
          {R"(, "byteSize": "12")", R"(, "byteSize": 12.5)", R"(, "byteSize": 9223372036854775808)",
           R"(, "byteSize": true)", R"(, "addedAt": "2024-01-01")", R"(, "isPromised": 1)",
@@ -77,17 +95,22 @@ TEST(ShelfItemJson, AWrongOrMissingValueFailsTheWholeItem) {
           R"(, "webURL": {})", R"(, "webURL": "https://a/\ud800")", R"(, "batchID": "nope")",
           R"(, "batchID": "{0B3E5E38-7C0F-4B8A-9C55-7E6A7C7F0C11}")",
           R"(, "batchID": "0B3E5E387C0F4B8A9C557E6A7C7F0C11")", R"(, "contentTypeIdentifier": 3)"}) {
-        EXPECT_FALSE(decode(members)) << members;
+        refused.push_back(record(members));
     }
     for (const char* json : {R"({"id": "6F1C2B7E-2D6B-4E0A-8D2F-3C1B9A7E5D40"})",
                              R"({"id": null, "displayName": "a"})", R"({"id": "x", "displayName": "a"})",
                              R"({"id": "6F1C2B7E-2D6B-4E0A-8D2F-3C1B9A7E5D40", "displayName": 5})"}) {
-        EXPECT_FALSE(decodeObject(json)) << json;
+        refused.push_back(object(json));
     }
-    EXPECT_FALSE(ShelfItem::fromJson(QJsonValue(QStringLiteral("item"))));
     QJsonObject infinite = fullItem("/a", "/b").toJson();
     infinite.insert(QStringLiteral("addedAt"), std::numeric_limits<double>::infinity());
-    EXPECT_FALSE(ShelfItem::fromJson(infinite));
+    refused.insert(refused.end(), {infinite, QStringLiteral("item")});
+
+    const StoreWarnings warnings;
+    for (const QJsonValue& json : refused)
+        EXPECT_FALSE(ShelfItem::fromJson(json)) << QJsonDocument(json.toObject()).toJson().constData();
+    EXPECT_EQ(warnings.seen().size(), qsizetype(refused.size()));
+    EXPECT_TRUE(warnings.seen().front().contains("byteSize")) << warnings.seen().front().toStdString();
 }
 
 TEST(ShelfItemJson, WritesOnlyWhatIsSetInTheSavedForms) {
