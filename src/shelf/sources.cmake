@@ -1,3 +1,22 @@
 # The shelf window logic and its triggers: placement, presentation, controller, drag monitor, shortcut.
 set(MOSSWICK_SHELF_SOURCES
+  # Triggers: the drag monitor and the global shortcut.
+  DesktopProbe.h
+  DummyDesktopProbe.h
+  DragMonitor.h
+  DragMonitor.cpp
+  EvdevKeyCodes.h
+  EvdevKeyCodes.cpp
+  KeyboardLayout.h
+  KeyboardLayout.cpp
+  KeyCodeNames.h
+  KeyCodeNames.cpp
+  KeyCombo.h
+  KeyCombo.cpp
+  HotKeyService.h
+  DummyHotKeyService.h
+  HotKeyManager.h
+  HotKeyManager.cpp
+  SystemLog.h
+  SystemLog.cpp
 )
