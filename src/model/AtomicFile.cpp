@@ -14,9 +14,25 @@ std::string failure(const char* step, const std::filesystem::path& path) {
 }
 }  // namespace
 
+namespace {
+std::string temporaryPrefix(const std::filesystem::path& target) {
+    return "." + target.filename().string() + ".";
+}
+}  // namespace
+
+void removeLeftovers(const std::filesystem::path& target) {
+    const std::string prefix = temporaryPrefix(target);
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(target.parent_path(), ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.starts_with(prefix) && name.ends_with(".tmp"))
+            std::filesystem::remove(entry.path(), ignored);
+    }
+}
+
 std::string write(const std::filesystem::path& target, const QByteArray& bytes, int mode) {
-    const auto name = "." + target.filename().string() + "." +
-                      std::to_string(QRandomGenerator::global()->generate64()) + ".tmp";
+    const auto name =
+        temporaryPrefix(target) + std::to_string(QRandomGenerator::global()->generate64()) + ".tmp";
     const std::filesystem::path temporary = target.parent_path() / name;
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (fd < 0) return failure("create", temporary);

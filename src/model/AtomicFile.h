@@ -14,5 +14,8 @@ namespace AtomicFile {
 // Returns an empty string on success, else what went wrong.
 std::string write(const std::filesystem::path& target, const QByteArray& bytes, int mode = 0600);
 
+// Removes temporary files a killed writer left beside `target`.
+void removeLeftovers(const std::filesystem::path& target);
+
 }  // namespace AtomicFile
 }  // namespace mosswick

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <map>
 #include <optional>
 #include <variant>
 
@@ -30,7 +31,7 @@ public:
     void remove(const QString& key) override;
 
 private:
-    std::vector<std::pair<QString, DefaultsValue>> values_;
+    std::map<QString, DefaultsValue> values_;
 };
 
 }  // namespace mosswick

@@ -27,7 +27,13 @@ QUrl toUrl(const std::filesystem::path& path, bool isDirectory) {
 
 std::optional<std::filesystem::path> fromUrl(const QUrl& url) {
     if (!url.isValid() || !url.isLocalFile()) return std::nullopt;
+    // A file on another machine is not at this path here.
+    if (const QString host = url.host(); !host.isEmpty() && host != QLatin1StringView("localhost"))
+        return std::nullopt;
     const QByteArray encoded = url.path(QUrl::FullyEncoded).toLatin1();
+    // An escaped "/" or NUL cannot be part of a file name: decoded, it would name another file.
+    const QByteArray lower = encoded.toLower();
+    if (lower.contains("%2f") || lower.contains("%00")) return std::nullopt;
     QByteArray raw = QByteArray::fromPercentEncoding(encoded);
     if (raw.isEmpty() || raw.front() != '/') return std::nullopt;
     return fromBytes(raw);

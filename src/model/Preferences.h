@@ -33,17 +33,22 @@ enum class Preference {
 QString preferenceKey(Preference preference);
 
 // Every user setting. Read from the defaults store once, at construction (a missing, unknown or
-// wrong-typed value reads as the default and is not rewritten); every assignment notifies
-// observers and then writes the value back at once, even when it is equal.
+// wrong-typed value reads as the default and is not rewritten; nothing is written then, so a key
+// exists only once the user changed that setting); every assignment notifies observers and then
+// writes the value back at once, even when it is equal.
+//
+// Booleans also accept a stored number 0 or 1. maximumItemCount accepts an integer or a whole
+// double (50.0 is 50; 50.5, "50" and true are not counts) and is never clamped here.
 class Preferences : public QObject {
     Q_OBJECT
 
 public:
     explicit Preferences(DefaultsStore& store, QObject* parent = nullptr);
 
-    // The process-wide instance; created on first use over the settings file, unless one was
-    // installed first.
+    // The process-wide instance: the one installed, else one created on first use over the
+    // settings file at its default location, living until the process exits.
     static Preferences& shared();
+    // Not owned; nullptr uninstalls. Main thread only.
     static void setShared(Preferences* preferences);
 
     ShelfPosition position() const { return position_; }
@@ -90,25 +95,31 @@ signals:
     void changed(mosswick::Preference preference);
 
 private:
+    friend struct PreferenceSettings;  // the table of settings, with their keys and defaults
+
+    template <typename T>
+    void assign(T Preferences::*field, const T& value);
+
     DefaultsStore& store_;
-    ShelfPosition position_ = ShelfPosition::rightBottom;
-    ShelfSize size_ = ShelfSize::adaptiveSmallest;
-    bool showMenuBarIcon_ = true;
-    AppearanceMode appearance_ = AppearanceMode::system;
-    bool restoreItemsOnLaunch_ = true;
-    bool checkForUpdatesAutomatically_ = true;
-    bool automaticallyShow_ = true;
-    ShowTrigger showTrigger_ = ShowTrigger::dragStarts;
-    bool hideWhenEmpty_ = true;
+    // Each is set from the store or its default by the constructor.
+    ShelfPosition position_{};
+    ShelfSize size_{};
+    bool showMenuBarIcon_{};
+    AppearanceMode appearance_{};
+    bool restoreItemsOnLaunch_{};
+    bool checkForUpdatesAutomatically_{};
+    bool automaticallyShow_{};
+    ShowTrigger showTrigger_{};
+    bool hideWhenEmpty_{};
     QStringList ignoredApplications_;
-    bool removeItemsWhenDraggedOut_ = true;
-    bool combineMultipleFilesToStack_ = true;
-    bool showQuickLookPreviews_ = true;
-    bool showFaviconsForWeblocFiles_ = false;
-    bool resolveAliasFiles_ = false;
-    bool reduceMotion_ = false;
-    AlternateDragData alternateDragData_ = AlternateDragData::none;
-    qint64 maximumItemCount_ = 100;
+    bool removeItemsWhenDraggedOut_{};
+    bool combineMultipleFilesToStack_{};
+    bool showQuickLookPreviews_{};
+    bool showFaviconsForWeblocFiles_{};
+    bool resolveAliasFiles_{};
+    bool reduceMotion_{};
+    AlternateDragData alternateDragData_{};
+    qint64 maximumItemCount_{};
 };
 
 }  // namespace mosswick

@@ -30,8 +30,9 @@ struct ShelfItem {
 
     bool operator==(const ShelfItem& other) const;
 
-    // The JSON form used in the save file. Decoding fails (nothing) on a missing or mistyped
-    // "id" or "displayName", or on any present key whose value has the wrong type.
+    // The JSON form used in the save file. Decoding fails (nothing, with a warning naming the
+    // key) on a missing or mistyped "id" or "displayName", or on any present key whose value has
+    // the wrong type; null reads as absent.
     QJsonObject toJson() const;
     static std::optional<ShelfItem> fromJson(const QJsonValue& json);
 
@@ -39,7 +40,7 @@ struct ShelfItem {
     std::optional<QUrl> reachableOriginURL() const;  // the original, where it still is
     std::optional<QUrl> dragURL() const;             // the original, else the shelf's copy
     std::optional<QUrl> previewURL() const;          // the shelf's copy, else the original
-    bool isDirectory() const;
+    bool isDirectory() const;                        // dragURL is a folder (or a link to one)
 };
 
 // The canonical upper-case 8-4-4-4-12 form the save file and the staging folders use.

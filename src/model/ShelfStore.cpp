@@ -4,6 +4,7 @@
 #include <map>
 
 #include "model/AppFiles.h"
+#include "model/AtomicFile.h"
 #include "model/ItemStaging.h"
 #include "model/Logging.h"
 #include "model/Preferences.h"
@@ -53,6 +54,7 @@ void ShelfStore::setTargeted(bool targeted) {
 }
 
 void ShelfStore::restore() {
+    AtomicFile::removeLeftovers(saveFile_->path());
     if (preferences_.restoreItemsOnLaunch()) {
         if (auto saved = saveFile_->read()) {
             for (ShelfItem& item : *saved) {

@@ -14,8 +14,15 @@ void ManualScheduler::background(std::function<void()> work, std::function<void(
     jobs_.push_back({std::move(work), std::move(done)});
 }
 
+void ManualScheduler::runBackgroundWork() {
+    const bool held = holdJobs_;
+    holdJobs_ = false;
+    runJobs();
+    holdJobs_ = held;
+}
+
 void ManualScheduler::runJobs() {
-    while (!jobs_.empty()) {
+    while (!holdJobs_ && !jobs_.empty()) {
         Job job = std::move(jobs_.front());
         jobs_.pop_front();
         job.work();

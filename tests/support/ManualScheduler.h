@@ -22,6 +22,11 @@ public:
     // Runs queued background work and timers already due, without moving time.
     void drain() { advance(0); }
 
+    // While held, background work waits in its queue until runBackgroundWork(), so a test can
+    // act while a job is "still running".
+    void holdBackgroundWork(bool hold) { holdJobs_ = hold; }
+    void runBackgroundWork();
+
     // Timers not yet run nor cancelled.
     size_t pendingTimers() const;
     size_t pendingBackgroundJobs() const { return jobs_.size(); }
@@ -38,6 +43,7 @@ private:
         std::function<void()> done;
     };
     void runJobs();
+    bool holdJobs_ = false;
 
     double now_ = 0;
     unsigned long sequence_ = 0;
