@@ -9,7 +9,6 @@
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "shelf/HotKeyManager.h"
 #include "shelf/KeyboardLayout.h"
-#include "shelf/SystemLog.h"
 #include "support/EventWaiting.h"
 #include "support/FakeShortcutsPortal.h"
 #include "support/ManualScheduler.h"
@@ -191,23 +190,6 @@ TEST_F(PortalGlobalShortcutsTest, PressesDriveTheSameTapHoldAndDoubleRules) {
     clock.advance(1);
     EXPECT_EQ(heard,
               QStringList({QStringLiteral("toggle"), QStringLiteral("long"), QStringLiteral("double")}));
-}
-
-TEST_F(PortalGlobalShortcutsTest, RefusalIsLoggedByTheManager) {
-    startPortal();
-    portal->answerBindingsWith(1);
-    mosswick::testing::ManualScheduler clock;
-    mosswick::MemoryDefaultsStore store;
-    mosswick::HotKeyManager manager(*service, clock, store);
-    QStringList log;
-    mosswick::SystemLog::setSink([&](const QString& line) { log << line; });
-    manager.registerCombo(kCtrlAltSpace);
-    EXPECT_TRUE(manager.isRegistered());  // until the portal says otherwise
-    EXPECT_TRUE(waitUntil([&] { return !log.isEmpty(); }));
-    EXPECT_FALSE(manager.isRegistered());
-    EXPECT_EQ(log, QStringList{
-                       QStringLiteral("Mosswick: could not register shortcut Ctrl+Alt+Space (OSStatus 1)")});
-    mosswick::SystemLog::setSink({});
 }
 
 TEST(PortalTrigger, SpellsKeysTheWayDesktopShortcutSettingsDo) {
