@@ -1,5 +1,6 @@
 # The shelf window logic and its triggers: placement, presentation, controller, drag monitor, shortcut.
 set(MOSSWICK_SHELF_SOURCES
+  # Placement, presentation and the window controller.
   ScreenPoint.h
   ScreenRect.h
   Display.h
@@ -9,4 +10,23 @@ set(MOSSWICK_SHELF_SOURCES
   ShelfPresentation.h ShelfPresentation.cpp
   ShelfPanelSurface.h
   ShelfWindowController.h ShelfWindowController.cpp
+  # Triggers: the drag monitor and the global shortcut.
+  DesktopProbe.h
+  DummyDesktopProbe.h
+  DragMonitor.h
+  DragMonitor.cpp
+  EvdevKeyCodes.h
+  EvdevKeyCodes.cpp
+  KeyboardLayout.h
+  KeyboardLayout.cpp
+  KeyCodeNames.h
+  KeyCodeNames.cpp
+  KeyCombo.h
+  KeyCombo.cpp
+  HotKeyService.h
+  DummyHotKeyService.h
+  HotKeyManager.h
+  HotKeyManager.cpp
+  SystemLog.h
+  SystemLog.cpp
 )

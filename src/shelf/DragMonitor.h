@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QRectF>
+#include <QStringList>
+#include <functional>
+#include <optional>
+
+#include "model/Scheduler.h"
+#include "shelf/DesktopProbe.h"
+
+namespace mosswick {
+
+class Preferences;
+
+// Watches the whole desktop for the start of a drag that the shelf could hold. Other programs'
+// drags cannot be seen directly, so a drag is inferred from the left button being down while the
+// drag pasteboard has changed since the last gesture; only the pasteboard's types are read, never
+// its contents. Polls the pointer only between button down and up. Main thread only.
+class DragMonitor {
+public:
+    static constexpr double kStagingGrace = 0.5;
+    static constexpr double kPollInterval = 0.05;
+    static constexpr double kEdgeThreshold = 6;
+
+    DragMonitor(DesktopProbe& probe, Scheduler& scheduler, Preferences& preferences);
+    ~DragMonitor();
+    DragMonitor(const DragMonitor&) = delete;
+    DragMonitor& operator=(const DragMonitor&) = delete;
+
+    // The process-wide monitor; one over a probe that sees nothing unless one was installed first.
+    static DragMonitor& shared();
+    static void setShared(DragMonitor* monitor);
+
+    std::function<void()> onDragBegan = [] {};
+    std::function<void()> onDragEnded = [] {};
+    std::function<void()> onDragReachedEdge = [] {};
+
+    // The frame of the display the pointer is on (or the nearest one), in the probe's coordinates;
+    // none when no display is known. The edge check measures against its side of the shelf.
+    std::function<std::optional<QRectF>(QPointF pointer)> displayFrameAt = [](QPointF) {
+        return std::optional<QRectF>{};
+    };
+
+    // Types whose presence on the drag pasteboard makes a drag worth showing the shelf for: file
+    // and web links, and promised files.
+    static const QStringList& shelvableTypes();
+
+    void start();
+    // Ends watching without reporting the end of a drag in progress.
+    void stop();
+
+    bool isStarted() const { return started_; }
+    bool isDragging() const { return isDragging_; }
+
+private:
+    struct PendingChange {
+        qint64 changeCount;
+        double firstSeen;
+    };
+
+    void handle(DesktopProbe::Event event);
+    void startPolling();
+    void tick();
+    void evaluate();
+    void settleGesture();
+    void checkEdgeProximity();
+    void holdForRestaging(qint64 changeCount);
+    bool carriesSomethingShelvable();
+    bool shouldReactToCurrentApp();
+
+    DesktopProbe& probe_;
+    Scheduler& scheduler_;
+    Preferences& preferences_;
+    bool started_ = false;
+    bool isDragging_ = false;
+    ScheduledTask pollTimer_;
+    qint64 lastChangeCount_ = 0;
+    bool hasReportedEdge_ = false;
+    std::optional<PendingChange> pendingChange_;
+};
+
+}  // namespace mosswick

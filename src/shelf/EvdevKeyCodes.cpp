@@ -1,0 +1,55 @@
+#include "shelf/EvdevKeyCodes.h"
+
+namespace mosswick::EvdevKeyCodes {
+
+namespace {
+
+struct Pair {
+    quint16 keyCode;
+    quint16 evdev;
+};
+
+// Every stored key code with the evdev code of the same key on a PC keyboard (Help sits where PC
+// keyboards have Insert). One to one, so a code read back from the keyboard maps to exactly one
+// stored code.
+constexpr Pair kPairs[] = {
+    {0, 30},    {1, 31},    {2, 32},    {3, 33},    {4, 35},    {5, 34},    {6, 44},   {7, 45},
+    {8, 46},    {9, 47},    {10, 86},   {11, 48},   {12, 16},   {13, 17},   {14, 18},  {15, 19},
+    {16, 21},   {17, 20},   {18, 2},    {19, 3},    {20, 4},    {21, 5},    {22, 7},   {23, 6},
+    {24, 13},   {25, 10},   {26, 8},    {27, 12},   {28, 9},    {29, 11},   {30, 27},  {31, 24},
+    {32, 22},   {33, 26},   {34, 23},   {35, 25},   {36, 28},   {37, 38},   {38, 36},  {39, 40},
+    {40, 37},   {41, 39},   {42, 43},   {43, 51},   {44, 53},   {45, 49},   {46, 50},  {47, 52},
+    {48, 15},   {49, 57},   {50, 41},   {51, 14},   {53, 1},    {54, 126},  {55, 125}, {56, 42},
+    {57, 58},   {58, 56},   {59, 29},   {60, 54},   {61, 100},  {62, 97},   {64, 187}, {65, 83},
+    {67, 55},   {69, 78},   {71, 69},   {72, 115},  {73, 114},  {74, 113},  {75, 98},  {76, 96},
+    {78, 74},   {79, 188},  {80, 189},  {81, 117},  {82, 82},   {83, 79},   {84, 80},  {85, 81},
+    {86, 75},   {87, 76},   {88, 77},   {89, 71},   {90, 190},  {91, 72},   {92, 73},  {93, 124},
+    {94, 89},   {95, 121},  {96, 63},   {97, 64},   {98, 65},   {99, 61},   {100, 66}, {101, 67},
+    {103, 87},  {105, 183}, {106, 186}, {107, 184}, {109, 68},  {110, 127}, {111, 88}, {113, 185},
+    {114, 110}, {115, 102}, {116, 104}, {117, 111}, {118, 62},  {119, 107}, {120, 60}, {121, 109},
+    {122, 59},  {123, 105}, {124, 106}, {125, 108}, {126, 103},
+};
+
+template <typename Match>
+const Pair* find(Match match) {
+    for (const Pair& pair : kPairs)
+        if (match(pair)) return &pair;
+    return nullptr;
+}
+
+}  // namespace
+
+std::optional<quint32> toEvdev(quint16 keyCode) {
+    if (keyCode >= kEvdevBase) return keyCode - kEvdevBase;
+    if (const Pair* pair = find([keyCode](const Pair& p) { return p.keyCode == keyCode; }))
+        return pair->evdev;
+    return std::nullopt;
+}
+
+quint16 fromEvdev(quint32 evdevCode) {
+    if (const Pair* pair = find([evdevCode](const Pair& p) { return p.evdev == evdevCode; }))
+        return pair->keyCode;
+    return static_cast<quint16>(kEvdevBase + evdevCode);
+}
+
+}  // namespace mosswick::EvdevKeyCodes

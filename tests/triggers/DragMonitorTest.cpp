@@ -1,0 +1,249 @@
+#include <gtest/gtest.h>
+
+#include <QStringList>
+
+#include "model/DefaultsStore.h"
+#include "model/Preferences.h"
+#include "shelf/DragMonitor.h"
+#include "support/ManualScheduler.h"
+
+using mosswick::DesktopProbe;
+using mosswick::DragMonitor;
+using mosswick::MemoryDefaultsStore;
+using mosswick::Preferences;
+using mosswick::ShelfPosition;
+using mosswick::testing::ManualScheduler;
+
+namespace {
+
+// The desktop as a script sets it: what the pointer and the drag pasteboard are doing.
+class ScriptedDesktop final : public DesktopProbe {
+public:
+    void watch(EventHandler handler) override { handler_ = std::move(handler); }
+    qint64 dragChangeCount() override { return changeCount; }
+    QStringList dragTypes() override { return types; }
+    bool isLeftButtonDown() override { return buttonDown; }
+    bool isShiftDown() override { return shiftDown; }
+    QPointF pointerLocation() override { return pointer; }
+    QString frontmostApplicationId() override { return frontmost; }
+
+    bool isWatched() const { return static_cast<bool>(handler_); }
+    void send(Event event) {
+        if (handler_) handler_(event);
+    }
+
+    qint64 changeCount = 7;
+    QStringList types;
+    bool buttonDown = false;
+    bool shiftDown = false;
+    QPointF pointer{500, 500};
+    QString frontmost = QStringLiteral("org.example.Files");
+
+private:
+    EventHandler handler_;
+};
+
+const QRectF kDisplay(0, 0, 1920, 1080);
+
+class DragMonitorTest : public ::testing::Test {
+protected:
+    DragMonitorTest() {
+        monitor.onDragBegan = [this] { events << QStringLiteral("began"); };
+        monitor.onDragEnded = [this] { events << QStringLiteral("ended"); };
+        monitor.onDragReachedEdge = [this] { events << QStringLiteral("edge"); };
+        monitor.displayFrameAt = [](QPointF) { return std::optional<QRectF>(kDisplay); };
+        preferences.setPosition(ShelfPosition::rightTop);
+        preferences.setIgnoredApplications({QStringLiteral("org.example.Ignored")});
+    }
+
+    // Runs a script of space-separated steps; see the switch for their meaning.
+    void run(const QString& script) {
+        for (const QString& step : script.split(u' ', Qt::SkipEmptyParts)) {
+            if (step.startsWith(u'+'))
+                clock.advance(step.mid(1).toDouble());
+            else if (step == u"down") {
+                desktop.buttonDown = true;
+                desktop.send(DesktopProbe::Event::leftMouseDown);
+            } else if (step == u"drag")
+                desktop.send(DesktopProbe::Event::leftMouseDragged);
+            else if (step == u"up") {
+                desktop.buttonDown = false;
+                desktop.send(DesktopProbe::Event::leftMouseUp);
+            } else if (step == u"lostUp")  // released without the event reaching us
+                desktop.buttonDown = false;
+            else if (step == u"notify")
+                desktop.send(DesktopProbe::Event::dragPasteboardChanged);
+            else if (step == u"file")
+                putOnPasteboard({QStringLiteral("text/uri-list"), QStringLiteral("text/plain")});
+            else if (step == u"link")
+                putOnPasteboard({QStringLiteral("text/x-moz-url"), QStringLiteral("UTF8_STRING")});
+            else if (step == u"promise")
+                putOnPasteboard({QStringLiteral("XdndDirectSave0")});
+            else if (step == u"text")
+                putOnPasteboard({QStringLiteral("UTF8_STRING"), QStringLiteral("text/plain")});
+            else if (step == u"nothing")
+                putOnPasteboard({});
+            else if (step == u"addFile")  // the same change, filled in later
+                desktop.types << QStringLiteral("text/uri-list");
+            else if (step == u"shift")
+                desktop.shiftDown = true;
+            else if (step == u"unshift")
+                desktop.shiftDown = false;
+            else if (step == u"fromIgnored")
+                desktop.frontmost = QStringLiteral("org.example.Ignored");
+            else if (step == u"fromUnknown")
+                desktop.frontmost.clear();
+            else if (step == u"atEdge")
+                desktop.pointer = {kDisplay.right() - 6, 300};
+            else if (step == u"nearEdge")
+                desktop.pointer = {kDisplay.right() - 7, 300};
+            else if (step == u"start")
+                monitor.start();
+            else if (step == u"stop")
+                monitor.stop();
+            else
+                ADD_FAILURE() << "unknown step " << step.toStdString();
+        }
+    }
+
+    void putOnPasteboard(QStringList types) {
+        ++desktop.changeCount;
+        desktop.types = std::move(types);
+    }
+
+    ManualScheduler clock;
+    MemoryDefaultsStore store;
+    Preferences preferences{store};
+    ScriptedDesktop desktop;
+    DragMonitor monitor{desktop, clock, preferences};
+    QStringList events;
+};
+
+struct Gesture {
+    const char* name;
+    const char* script;
+    const char* events;
+};
+
+class DragMonitorGestures : public DragMonitorTest, public ::testing::WithParamInterface<Gesture> {};
+
+TEST_P(DragMonitorGestures, ReportsWhatTheScriptExpects) {
+    const Gesture& gesture = GetParam();
+    if (!QString::fromLatin1(gesture.script).startsWith(QLatin1String("stop"))) monitor.start();
+    run(QString::fromLatin1(gesture.script));
+    EXPECT_EQ(events.join(u' ').toStdString(), gesture.events) << gesture.script;
+}
+
+const Gesture kGestures[] = {
+    // Dragging a window or selecting text leaves the drag pasteboard as it was.
+    {"windowMove", "down drag drag +0.2 drag up", ""},
+    {"fileDrag", "down file drag drag up", "began ended"},
+    {"linkDrag", "down link drag up", "began ended"},
+    {"promisedFile", "down promise drag up", "began ended"},
+    {"textOnly", "down text drag +0.3 drag +0.3 drag up", ""},
+    {"emptyTypeList", "down nothing drag +0.1 drag up", ""},
+    // The pasteboard being filled in steps: still within the grace period, then after it.
+    {"restagedWithinGrace", "down nothing drag +0.2 addFile drag up", "began ended"},
+    {"restagedAfterGrace", "down nothing drag +0.5 drag addFile drag +0.1 up", ""},
+    {"graceCountsFromFirstSight", "down nothing drag +0.45 drag addFile drag up", "began ended"},
+    // The poll timer alone finds a drag and its end, without any event from the pointer.
+    {"foundByTick", "down file +0.05", "began"},
+    {"endFoundByTick", "down file drag lostUp +0.05", "began ended"},
+    {"noTickBeforeButtonDown", "file +1", ""},
+    // A pasteboard change is looked at the moment it is announced.
+    {"announcedChange", "down file notify", "began"},
+    {"changeAnnouncedAfterRelease", "file notify down drag up", ""},
+    {"typesArriveLater", "down nothing notify addFile notify", "began"},
+    // Shift at first sight keeps the shelf away for the whole drag.
+    {"shiftHeld", "down file shift drag unshift drag +0.2 up", ""},
+    {"shiftPressedLater", "down file drag shift drag up", "began ended"},
+    {"ignoredApplication", "fromIgnored down file drag up", ""},
+    {"unknownApplication", "fromUnknown down file drag up", "began ended"},
+    // The edge is reported once per drag, and only for a drag that began.
+    {"edgeOnce", "down file drag nearEdge drag atEdge drag drag +0.1 up", "began edge ended"},
+    {"edgeByTick", "down file drag atEdge +0.05", "began edge"},
+    {"edgeWithoutDrag", "atEdge down text drag drag up", ""},
+    {"edgeAgainNextDrag", "atEdge down file drag drag up down file drag drag up",
+     "began edge ended began edge ended"},
+    // One change, one drag: the next gesture needs a new change.
+    {"changeUsedOnce", "down file drag up down drag up", "began ended"},
+    {"nextDragReported", "down file drag up down file drag up", "began ended began ended"},
+    // stop() ends watching without an end event; a change made while stopped is old news.
+    {"stopDuringDrag", "down file drag stop up +1", "began"},
+    {"changeWhileStopped", "stop file start down drag up", ""},
+    {"restartAfterStop", "stop start down file drag up", "began ended"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, DragMonitorGestures, ::testing::ValuesIn(kGestures),
+                         [](const ::testing::TestParamInfo<Gesture>& row) { return row.param.name; });
+
+TEST_F(DragMonitorTest, RunsNoTimerWhileTheButtonIsUp) {
+    monitor.start();
+    run("file notify +1");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    run("down");
+    EXPECT_EQ(clock.pendingTimers(), 1u);
+    run("file drag +0.2 up");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    run("down drag lostUp +0.05");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    run("down file drag stop");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+    EXPECT_FALSE(desktop.isWatched());
+    EXPECT_FALSE(monitor.isDragging());
+}
+
+TEST_F(DragMonitorTest, StartingTwiceKeepsTheFirstBaseline) {
+    monitor.start();
+    run("file");
+    monitor.start();
+    run("down drag up");
+    EXPECT_EQ(events, QStringList({QStringLiteral("began"), QStringLiteral("ended")}));
+}
+
+struct EdgeCase {
+    const char* name;
+    ShelfPosition position;
+    QRectF display;
+    double x;
+    bool reported;
+};
+
+class DragMonitorEdge : public DragMonitorTest, public ::testing::WithParamInterface<EdgeCase> {};
+
+TEST_P(DragMonitorEdge, MeasuresHorizontallyFromTheShelfSide) {
+    const EdgeCase& edge = GetParam();
+    preferences.setPosition(edge.position);
+    monitor.displayFrameAt = [&](QPointF) { return std::optional<QRectF>(edge.display); };
+    desktop.pointer = {edge.x, edge.display.center().y()};
+    monitor.start();
+    run("down file drag drag");
+    EXPECT_EQ(events.contains(QStringLiteral("edge")), edge.reported);
+}
+
+const QRectF kSecondDisplay(1920, -200, 1280, 1024);
+
+const EdgeCase kEdgeCases[] = {
+    {"rightAtThreshold", ShelfPosition::rightTop, kDisplay, 1914, true},
+    {"rightJustInside", ShelfPosition::rightTop, kDisplay, 1913, false},
+    {"rightAtLeftEdge", ShelfPosition::rightTop, kDisplay, 0, false},
+    {"rightBeyondEdge", ShelfPosition::rightBottom, kDisplay, 1919.5, true},
+    {"leftAtThreshold", ShelfPosition::leftCenter, kDisplay, 6, true},
+    {"leftJustInside", ShelfPosition::leftBottom, kDisplay, 7, false},
+    {"leftAtRightEdge", ShelfPosition::leftTop, kDisplay, 1919, false},
+    {"secondDisplayRight", ShelfPosition::rightCenter, kSecondDisplay, 3195, true},
+    {"secondDisplayLeft", ShelfPosition::leftTop, kSecondDisplay, 1925, true},
+    {"secondDisplayLeftInside", ShelfPosition::leftTop, kSecondDisplay, 1927, false},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, DragMonitorEdge, ::testing::ValuesIn(kEdgeCases),
+                         [](const ::testing::TestParamInfo<EdgeCase>& row) { return row.param.name; });
+
+TEST_F(DragMonitorTest, NoDisplayNoEdge) {
+    monitor.displayFrameAt = [](QPointF) { return std::optional<QRectF>{}; };
+    monitor.start();
+    run("atEdge down file drag drag up");
+    EXPECT_EQ(events, QStringList({QStringLiteral("began"), QStringLiteral("ended")}));
+}
+
+}  // namespace

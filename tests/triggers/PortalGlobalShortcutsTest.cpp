@@ -1,0 +1,208 @@
+// The shortcut through the GlobalShortcuts portal, against a fake portal on a private bus.
+#include <gtest/gtest.h>
+
+#include <QDBusConnection>
+#include <QStringList>
+#include <memory>
+
+#include "model/DefaultsStore.h"
+#include "platform/freedesktop/PortalGlobalShortcuts.h"
+#include "shelf/HotKeyManager.h"
+#include "shelf/KeyboardLayout.h"
+#include "support/EventWaiting.h"
+#include "support/FakeShortcutsPortal.h"
+#include "support/ManualScheduler.h"
+#include "support/PrivateSessionBus.h"
+
+using mosswick::HotKeyService;
+using mosswick::KeyCombo;
+using mosswick::PortalGlobalShortcuts;
+using mosswick::testing::FakeShortcutsPortal;
+using mosswick::testing::keepRunning;
+using mosswick::testing::PrivateSessionBus;
+using mosswick::testing::waitUntil;
+
+namespace {
+
+// Knows the names of A and Space only.
+class SmallLayout final : public mosswick::KeyboardLayout {
+public:
+    std::optional<QString> character(quint32 evdev) const override {
+        if (evdev == 30) return QStringLiteral("a");
+        return std::nullopt;
+    }
+    std::optional<QString> symbolName(quint32 evdev) const override {
+        if (evdev == 30) return QStringLiteral("a");
+        if (evdev == 57) return QStringLiteral("space");
+        return std::nullopt;
+    }
+};
+
+const KeyCombo kCtrlAltSpace{49, KeyCombo::kControl | KeyCombo::kOption};
+
+class PortalGlobalShortcutsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!bus.isRunning()) GTEST_SKIP() << bus.problem().toStdString();
+        client = std::make_unique<QDBusConnection>(
+            QDBusConnection::connectToBus(bus.address(), QStringLiteral("mosswick-portal-client")));
+        ASSERT_TRUE(client->isConnected());
+    }
+    void TearDown() override {
+        service.reset();
+        portal.reset();
+        client.reset();
+        QDBusConnection::disconnectFromBus(QStringLiteral("mosswick-portal-client"));
+    }
+
+    void startPortal() {
+        portal = std::make_unique<FakeShortcutsPortal>(bus.address());
+        ASSERT_TRUE(portal->isReady());
+        service = std::make_unique<PortalGlobalShortcuts>(*client, layout);
+        service->installHandler(
+            [this](HotKeyService::Event event) {
+                events << (event == HotKeyService::Event::pressed ? QStringLiteral("pressed")
+                                                                  : QStringLiteral("released"));
+            },
+            [this](HotKeyService::Handle handle, qint32 status) { failures.emplace_back(handle, status); });
+    }
+
+    QString boundSession() {
+        EXPECT_TRUE(waitUntil([&] { return !portal->boundShortcuts().empty(); }));
+        return portal->boundShortcuts().empty() ? QString() : portal->boundShortcuts().front().session;
+    }
+
+    PrivateSessionBus bus;
+    std::unique_ptr<QDBusConnection> client;
+    SmallLayout layout;
+    std::unique_ptr<FakeShortcutsPortal> portal;
+    std::unique_ptr<PortalGlobalShortcuts> service;
+    QStringList events;
+    std::vector<std::pair<HotKeyService::Handle, qint32>> failures;
+};
+
+TEST_F(PortalGlobalShortcutsTest, AvailableOnlyWhereThePortalRuns) {
+    EXPECT_FALSE(PortalGlobalShortcuts::isAvailable(*client));
+    startPortal();
+    EXPECT_TRUE(PortalGlobalShortcuts::isAvailable(*client));
+}
+
+TEST_F(PortalGlobalShortcutsTest, BindsTheComboAndHearsItGoDownAndUpOnce) {
+    startPortal();
+    ASSERT_TRUE(service->registerHotKey(kCtrlAltSpace).handle);
+    const QString session = boundSession();
+    const auto shortcut = portal->boundShortcuts().front();
+    EXPECT_EQ(shortcut.id, QStringLiteral("toggle-shelf"));
+    EXPECT_EQ(shortcut.description, QStringLiteral("Toggle the shelf"));
+    EXPECT_EQ(shortcut.preferredTrigger, QStringLiteral("CTRL+ALT+space"));
+
+    portal->activate(QStringLiteral("/org/freedesktop/portal/desktop/session/other/x"), shortcut.id);
+    portal->activate(session, QStringLiteral("another-shortcut"));
+    portal->activate(session, shortcut.id);
+    portal->activate(session, shortcut.id);  // repeated while held
+    portal->deactivate(session, shortcut.id);
+    EXPECT_TRUE(waitUntil([&] { return events.size() >= 2; }));
+    keepRunning(50);
+    EXPECT_EQ(events, QStringList({QStringLiteral("pressed"), QStringLiteral("released")}));
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(PortalGlobalShortcutsTest, RefusedBindingIsReportedLateAndItsSessionClosed) {
+    startPortal();
+    portal->answerBindingsWith(1);
+    const auto registration = service->registerHotKey(KeyCombo{96, 0});
+    ASSERT_TRUE(registration.handle);
+    EXPECT_TRUE(waitUntil([&] { return !failures.empty(); }));
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures.front(), std::make_pair(*registration.handle, qint32(1)));
+    EXPECT_TRUE(waitUntil([&] { return portal->closedSessions().size() == 1; }));
+}
+
+TEST_F(PortalGlobalShortcutsTest, UnregisteringClosesTheSessionAndSilencesIt) {
+    startPortal();
+    const auto registration = service->registerHotKey(kCtrlAltSpace);
+    const QString session = boundSession();
+    service->unregisterHotKey(*registration.handle);
+    EXPECT_TRUE(waitUntil([&] { return portal->closedSessions() == QStringList{session}; }));
+    portal->activate(session, PortalGlobalShortcuts::kShortcutId);
+    keepRunning(50);
+    EXPECT_TRUE(events.isEmpty());
+}
+
+// Passes everything through, counting the key events on the way, so a test can wait for them.
+class CountingService final : public HotKeyService {
+public:
+    explicit CountingService(HotKeyService& inner) : inner_(inner) {}
+    void installHandler(EventHandler events, FailureHandler lateFailures) override {
+        inner_.installHandler(
+            [this, events](Event event) {
+                ++seen;
+                events(event);
+            },
+            std::move(lateFailures));
+    }
+    Registration registerHotKey(const KeyCombo& combo) override { return inner_.registerHotKey(combo); }
+    void unregisterHotKey(Handle handle) override { inner_.unregisterHotKey(handle); }
+
+    int seen = 0;
+
+private:
+    HotKeyService& inner_;
+};
+
+TEST_F(PortalGlobalShortcutsTest, PressesDriveTheSameTapHoldAndDoubleRules) {
+    startPortal();
+    CountingService counting(*service);
+    mosswick::testing::ManualScheduler clock;
+    mosswick::MemoryDefaultsStore store;
+    mosswick::HotKeyManager manager(counting, clock, store);
+    QStringList heard;
+    manager.onToggle = [&] { heard << QStringLiteral("toggle"); };
+    manager.onLongPress = [&] { heard << QStringLiteral("long"); };
+    manager.onDoublePress = [&] { heard << QStringLiteral("double"); };
+    manager.registerCombo(kCtrlAltSpace);
+    const QString session = boundSession();
+    const auto key = [&](bool down) {
+        const int before = counting.seen;
+        if (down)
+            portal->activate(session, PortalGlobalShortcuts::kShortcutId);
+        else
+            portal->deactivate(session, PortalGlobalShortcuts::kShortcutId);
+        ASSERT_TRUE(waitUntil([&] { return counting.seen > before; }));
+    };
+
+    key(true);
+    key(false);
+    clock.advance(0.35);
+    EXPECT_EQ(heard, QStringList{QStringLiteral("toggle")});
+
+    key(true);
+    clock.advance(0.5);
+    key(false);
+    clock.advance(0.35);
+    EXPECT_EQ(heard, QStringList({QStringLiteral("toggle"), QStringLiteral("long")}));
+
+    key(true);
+    key(false);
+    clock.advance(0.1);
+    key(true);
+    key(false);
+    clock.advance(1);
+    EXPECT_EQ(heard,
+              QStringList({QStringLiteral("toggle"), QStringLiteral("long"), QStringLiteral("double")}));
+}
+
+TEST(PortalTrigger, SpellsKeysTheWayDesktopShortcutSettingsDo) {
+    const SmallLayout layout;
+    const mosswick::KeyboardLayout& none = mosswick::KeyboardLayout::shared();
+    const QDBusConnection disconnected(QStringLiteral("mosswick-no-bus"));
+    PortalGlobalShortcuts withLayout(disconnected, layout);
+    PortalGlobalShortcuts withoutLayout(disconnected, none);
+    EXPECT_EQ(withLayout.preferredTrigger(KeyCombo{0, 0x1E0000}), QStringLiteral("CTRL+ALT+SHIFT+LOGO+a"));
+    EXPECT_EQ(withoutLayout.preferredTrigger(KeyCombo{96, KeyCombo::kShift}), QStringLiteral("SHIFT+F5"));
+    EXPECT_EQ(withoutLayout.preferredTrigger(kCtrlAltSpace), QStringLiteral("CTRL+ALT+space"));
+    EXPECT_EQ(withoutLayout.preferredTrigger(KeyCombo{0, 0}), QString());
+    EXPECT_EQ(withoutLayout.preferredTrigger(KeyCombo{36, 0}), QString());  // Return has only a symbol
+}
+
+}  // namespace
