@@ -1,0 +1,77 @@
+#include "app/AppDelegate.h"
+
+#include <QTimer>
+
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "shelf/DragMonitor.h"
+#include "shelf/HotKeyManager.h"
+#include "shelf/KeyCombo.h"
+#include "shelf/ShelfWindowController.h"
+
+namespace mosswick {
+
+AppDelegate::AppDelegate(Services services, QObject* parent)
+    : QObject(parent), services_(std::move(services)) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    Preferences& preferences = services_.preferences;
+    ShelfWindowController& controller = services_.controller;
+
+    services_.applyAppearance(preferences.appearance());
+    // Applied on a later turn of the event loop, never inside the setter that changed it.
+    connect(&preferences, &Preferences::changed, this, [this](Preference preference) {
+        if (preference != Preference::appearance) return;
+        QTimer::singleShot(0, this,
+                           [this] { services_.applyAppearance(services_.preferences.appearance()); });
+    });
+
+    DragMonitor& monitor = services_.dragMonitor;
+    monitor.onDragBegan = [&controller] { controller.dragBegan(); };
+    monitor.onDragReachedEdge = [&controller] { controller.dragReachedEdge(); };
+    monitor.onDragEnded = [&controller] { controller.dragEnded(); };
+    monitor.start();
+
+    HotKeyManager& hotKeys = services_.hotKeys;
+    hotKeys.onToggle = [&controller] { controller.toggle(); };
+    hotKeys.onLongPress = [this, &controller] {
+        services_.store.restoreLastRemoved();
+        controller.summon();
+    };
+    hotKeys.onDoublePress = [this] {
+        if (services_.addClipboardContents) services_.addClipboardContents();
+    };
+    hotKeys.registerCombo(KeyCombo::load(services_.defaults));
+
+    ShelfPresentation& presentation = controller.presentation();
+    presentation.isDragging = false;
+    presentation.isSummoned = false;
+    presentation.isPreviewing = false;
+    presentation.keepsEmptyShelfUp = false;
+    presentation.hasContent = !services_.store.items().empty();
+    presentation.isSuppressed = true;
+    controller.applyPresentation(false, 0);
+}
+
+bool AppDelegate::applicationShouldHandleReopen() {
+    services_.controller.summon();
+    return true;
+}
+
+void AppDelegate::systemDidWake() {
+    std::set<QUuid> lost;
+    for (const ShelfItem& item : services_.store.items()) {
+        if (!item.isPromised && !item.dragURL()) lost.insert(item.id);
+    }
+    if (!lost.empty()) services_.store.remove(lost, false);
+}
+
+void AppDelegate::applicationWillTerminate() {
+    if (terminated_) return;
+    terminated_ = true;
+    services_.dragMonitor.stop();
+    services_.hotKeys.unregister();
+    services_.store.flush();
+}
+
+}  // namespace mosswick
