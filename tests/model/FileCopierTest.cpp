@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include "model/FileCopier.h"
 #include "model/FileDescriptor.h"
 #include "model/FileRemover.h"
+#include "model/FolderStack.h"
 #include "support/TestFolders.h"
 
 namespace mosswick {
@@ -219,7 +221,22 @@ TEST(FileCopier, RefusesWhatCannotBeCopiedWithoutHangingOrClobbering) {
     EXPECT_FALSE(fs::exists(folder / "tree" / "copy"));
 }
 
-TEST(FileCopier, CopiesTreesDeeperThanPathMaxAndTheDescriptorLimit) {
+// Lowers the process's descriptor limit while it lives.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(rlim_t limit) {
+        ::getrlimit(RLIMIT_NOFILE, &saved_);
+        rlimit lowered = saved_;
+        lowered.rlim_cur = limit;
+        ::setrlimit(RLIMIT_NOFILE, &lowered);
+    }
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &saved_); }
+
+private:
+    rlimit saved_{};
+};
+
+TEST(FileCopier, CopiesAndRemovesTreesDeeperThanPathMaxAndTheDescriptorLimit) {
     const Scratch folder("deep");
     const std::string level(40, 'd');
     const int depth = 300;  // about 12,000 bytes of path
@@ -236,7 +253,10 @@ TEST(FileCopier, CopiesTreesDeeperThanPathMaxAndTheDescriptorLimit) {
         ASSERT_EQ(::write(leaf.get(), "bottom", 6), 6);
     }
 
-    ASSERT_EQ(FileCopier::copy(folder / "source", folder / "copy"), "");
+    {
+        const DescriptorLimit limit(128);  // a folder per descriptor would need 600
+        ASSERT_EQ(FileCopier::copy(folder / "source", folder / "copy"), "");
+    }
 
     FileDescriptor current(::open((folder / "copy").c_str(), O_RDONLY | O_DIRECTORY));
     for (int i = 0; i < depth && current; ++i)
@@ -248,6 +268,34 @@ TEST(FileCopier, CopiesTreesDeeperThanPathMaxAndTheDescriptorLimit) {
     EXPECT_STREQ(bytes, "bottom");
     EXPECT_EQ(FileRemover::removeAll(folder), "");
     EXPECT_FALSE(fs::exists(folder.c_str()));
+}
+
+TEST(FolderStack, KeepsFewDescriptorsOpenAndFindsItsWayBackUp) {
+    const Scratch folder("stack");
+    fs::path path = folder;
+    for (int i = 0; i < 20; ++i) path /= "level";
+    fs::create_directories(path);
+    const auto openDescriptors = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    const auto before = openDescriptors();
+
+    FolderStack stack(3);
+    ASSERT_TRUE(stack.open(folder));
+    std::vector<ino_t> inodes = {stack.info().st_ino};
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_TRUE(stack.enter("level")) << i;
+        inodes.push_back(stack.info().st_ino);
+    }
+    EXPECT_LE(openDescriptors() - before, 3);
+    EXPECT_FALSE(stack.enter("missing"));
+    while (stack.depth() > 1) {
+        inodes.pop_back();
+        ASSERT_TRUE(stack.leave());
+        struct stat info {};
+        ::fstat(stack.fd(), &info);
+        EXPECT_EQ(info.st_ino, inodes.back());
+    }
 }
 
 TEST(FileCopier, TellsWhetherOnePathLiesInsideAnother) {
