@@ -12,7 +12,6 @@
 #include "model/FileCopier.h"
 #include "model/FileDescriptor.h"
 #include "model/FileRemover.h"
-#include "model/FolderStack.h"
 #include "support/TestFolders.h"
 
 namespace mosswick {
@@ -268,34 +267,6 @@ TEST(FileCopier, CopiesAndRemovesTreesDeeperThanPathMaxAndTheDescriptorLimit) {
     EXPECT_STREQ(bytes, "bottom");
     EXPECT_EQ(FileRemover::removeAll(folder), "");
     EXPECT_FALSE(fs::exists(folder.c_str()));
-}
-
-TEST(FolderStack, KeepsFewDescriptorsOpenAndFindsItsWayBackUp) {
-    const Scratch folder("stack");
-    fs::path path = folder;
-    for (int i = 0; i < 20; ++i) path /= "level";
-    fs::create_directories(path);
-    const auto openDescriptors = [] {
-        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
-    };
-    const auto before = openDescriptors();
-
-    FolderStack stack(3);
-    ASSERT_TRUE(stack.open(folder));
-    std::vector<ino_t> inodes = {stack.info().st_ino};
-    for (int i = 0; i < 20; ++i) {
-        ASSERT_TRUE(stack.enter("level")) << i;
-        inodes.push_back(stack.info().st_ino);
-    }
-    EXPECT_LE(openDescriptors() - before, 3);
-    EXPECT_FALSE(stack.enter("missing"));
-    while (stack.depth() > 1) {
-        inodes.pop_back();
-        ASSERT_TRUE(stack.leave());
-        struct stat info {};
-        ::fstat(stack.fd(), &info);
-        EXPECT_EQ(info.st_ino, inodes.back());
-    }
 }
 
 TEST(FileCopier, TellsWhetherOnePathLiesInsideAnother) {
