@@ -81,11 +81,8 @@ std::string replace(const std::filesystem::path& finished, const std::filesystem
 std::string writeWholeFile(const std::filesystem::path& source, const std::filesystem::path& destination) {
     const WholeFile whole(source);
     if (!whole.isValid()) return whole.error();
-    if (isFolder(destination, false)) FileRemover::removeAll(destination);
-    if (std::string error =
-            AtomicFile::write(destination, whole.bytes(), static_cast<int>(whole.info().st_mode & 07777));
-        !error.empty())
-        return error;
+    const auto mode = static_cast<int>(whole.info().st_mode & 07777);
+    if (std::string error = AtomicFile::write(destination, whole.bytes(), mode); !error.empty()) return error;
     const timespec times[2] = {whole.info().st_atim, whole.info().st_mtim};
     ::utimensat(AT_FDCWD, destination.c_str(), times, 0);
     return {};
@@ -156,20 +153,21 @@ Result<std::filesystem::path> stage(const std::filesystem::path& source, const Q
     if (LocalPath::exists(destination) && FileCopier::isWithin(source, destination))
         return failure("stage " + source.string() + ": lies inside its own earlier copy");
 
-    const std::filesystem::path partial = folder / ("." + name.string() + ".partial-" +
-                                                    std::to_string(QRandomGenerator::global()->generate64()));
+    // Short, so that even a source name of the longest length leaves room for it.
+    const std::filesystem::path partial =
+        folder / (".staging-" + std::to_string(QRandomGenerator::global()->generate64()));
     std::string error = copy(source, partial);
-    if (error.empty()) {
-        error = replace(partial, destination);
-        if (error.empty()) return destination;
-    }
+    if (error.empty()) error = replace(partial, destination);
+    if (error.empty()) return destination;
     FileRemover::removeAll(partial);
     if (isFolder(source, true)) return failure(error);
 
     qCInfo(lcStaging) << "Copy failed, reading the whole file instead:" << error.c_str();
-    if (std::string fallbackError = writeWholeFile(source, destination); !fallbackError.empty())
-        return failure(fallbackError);
-    return destination;
+    error = writeWholeFile(source, partial);
+    if (error.empty()) error = replace(partial, destination);
+    if (error.empty()) return destination;
+    FileRemover::removeAll(partial);
+    return failure(error);
 }
 
 Result<std::filesystem::path> promiseDestination(const QUuid& id) {

@@ -187,6 +187,7 @@ TEST_F(ItemStagingTest, AFailedFileCopyFallsBackToReadingTheWholeFile) {
     const std::string large(3 * 1024 * 1024, 'L');
     writeFile(folder / "small.txt", "small");
     writeFile(folder / "large.bin", large);
+    writeFile(folder / std::string(255, 'n'), "longest name");
     ::chmod((folder / "large.bin").c_str(), 0640);
     const struct {
         const char* name;
@@ -196,9 +197,11 @@ TEST_F(ItemStagingTest, AFailedFileCopyFallsBackToReadingTheWholeFile) {
         {"small file", folder / "small.txt", false},
         {"large file over a half copy", folder / "large.bin", true},
         {"procfs file of size 0", "/proc/version", false},
+        {"file with the longest name", folder / std::string(255, 'n'), false},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
+        EXPECT_EQ(readFile(staged(ItemStaging::stage(row.source, kItem))), readFile(row.source));
         const fs::path copy = staged(ItemStaging::stage(row.source, kItem, failingCopy(row.leaveDebris)));
         EXPECT_EQ(readFile(copy), readFile(row.source));
         EXPECT_EQ(modeOf(copy), modeOf(row.source));
