@@ -69,10 +69,10 @@ du -sb "$work/small-files" "$work/size-tree" >/dev/null
 read -r ours reference < <(turns 5 "'$tool' stage '$work/large.bin'" "cp --reflink=auto '$work/large.bin' '$work/copies/'")
 row "stage a 1 GiB file" "$ours" "cp --reflink=auto" "$reference" 1.05
 
-# The last rung, for file systems that refuse both faster ones: the bytes pass through user space
-# once more than with copy_file_range, which cp uses here.
-read -r ours reference < <(turns 3 "'$tool' stage-rw '$work/large.bin'" "cp --reflink=auto '$work/large.bin' '$work/copies/'")
-row "stage a 1 GiB file, read/write rung forced" "$ours" "cp --reflink=auto" "$reference" 1.25
+# The last rung, for file systems that refuse both faster ones, has no target: its bytes pass
+# through user space, once more than with copy_file_range (which cp uses here).
+read -r ours _ < <(turns 3 "'$tool' stage-rw '$work/large.bin'" "true")
+row "stage a 1 GiB file, read/write rung forced" "$ours" "-" "-" "-"
 
 read -r ours reference < <(turns 5 "'$tool' stage '$work/small-files'" "cp -r '$work/small-files' '$work/copies/'")
 row "stage a folder of 10,000 small files" "$ours" "cp -r" "$reference" 1.2
