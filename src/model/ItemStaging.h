@@ -3,6 +3,7 @@
 #include <QString>
 #include <QUuid>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <variant>
@@ -32,8 +33,15 @@ std::filesystem::path itemFolder(const QUuid& id);
 // name, replacing an earlier copy of that name, and returns where the copy is. Files are cloned,
 // else copied in the kernel, else read and written; should all that fail, the whole file is read
 // and written atomically. Folders are copied recursively, keeping modes and times; symbolic links
-// inside them are copied as links.
+// inside them are copied as links. The copy is made under a hidden name beside the old one and
+// takes its place only when complete, so a failed restaging keeps the earlier copy.
 Result<std::filesystem::path> stage(const std::filesystem::path& source, const QUuid& id);
+
+// The copying step of stage: source, destination; an empty string on success, else what went
+// wrong. Replaceable so the fall-back after a failed copy can be exercised.
+using CopyStep = std::function<std::string(const std::filesystem::path&, const std::filesystem::path&)>;
+Result<std::filesystem::path> stage(const std::filesystem::path& source, const QUuid& id,
+                                    const CopyStep& copy);
 
 // The item's folder, created, into which a promised file is delivered.
 Result<std::filesystem::path> promiseDestination(const QUuid& id);
@@ -46,14 +54,17 @@ void pruneOrphans(const std::set<QUuid>& keeping);
 void discard(const QUuid& id);
 
 // MIME type by name and contents (shared-mime-info); "inode/directory" for a folder;
-// "application/octet-stream" when unknown or unreadable.
+// "application/octet-stream" when unknown or missing. A symbolic link is followed.
 QString contentType(const std::filesystem::path& file);
 
-// Logical size of a file (else its allocated size); 0 for folders and anything unreadable.
+// Logical size of a file (else its allocated size); 0 for folders and anything unreadable. A
+// symbolic link is followed.
 qint64 fileSize(const std::filesystem::path& file);
 
-// As fileSize, but a folder counts the logical sizes of all visible files inside it: hidden
-// entries (and everything in hidden folders) are skipped, symbolic links never followed.
+// As fileSize, but a folder counts the logical sizes of all visible regular files inside it:
+// hidden entries (and everything in hidden folders) and unreadable ones are skipped, symbolic
+// links inside are never followed (and count nothing). Walks the whole tree: call it off the main
+// thread for a folder.
 qint64 deepFileSize(const std::filesystem::path& file);
 
 }  // namespace ItemStaging

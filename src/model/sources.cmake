@@ -11,6 +11,12 @@ set(MOSSWICK_MODEL_SOURCES
   AppFiles.h AppFiles.cpp
   ItemStaging.h ItemStaging.cpp
   FileCopier.h FileCopier.cpp
+  FileDescriptor.h
+  FolderStack.h FolderStack.cpp
+  TreeWalk.h TreeWalk.cpp
+  CopyLadder.h CopyLadder.cpp
+  FileRemover.h FileRemover.cpp
+  WholeFile.h WholeFile.cpp
   DefaultsStore.h DefaultsStore.cpp
   JsonDefaultsStore.h JsonDefaultsStore.cpp
   PreferenceEnums.h PreferenceEnums.cpp
