@@ -21,11 +21,16 @@ bench_best_of() {  # N command...: the best wall time of N runs
   echo "$best"
 }
 
+bench_header() {
+  printf '%-48s %12s %-22s %12s %8s %s\n' "measurement" "mosswick" "reference" "ref time" "ratio" "target"
+}
+
+# A script run alone prints its own header; under tools/bench.sh the table has one.
 bench_header_printed=${bench_header_printed:-}
 row() {
   local name=$1 ours=$2 refname=$3 ref=$4 target=$5
   if [ -z "$bench_header_printed" ]; then
-    printf '%-48s %12s %-22s %12s %8s %s\n' "measurement" "mosswick" "reference" "ref time" "ratio" "target"
+    bench_header
     bench_header_printed=1
   fi
   if [ "$ref" = "-" ]; then

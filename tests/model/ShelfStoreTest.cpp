@@ -247,10 +247,11 @@ TEST_F(ShelfStoreTest, TheSaveFileIsAPrettySortedArray) {
 }
 
 TEST_F(ShelfStoreTest, RestoreKeepsItemsWithAFileAndPrunesEverythingElse) {
-    ShelfItem kept = stagedItem("kept");
-    ShelfItem gone = stagedItem("gone");
+    ShelfItem kept, gone;
     {
         auto store = makeStore();
+        kept = stagedItem("kept");
+        gone = stagedItem("gone");
         store->add({kept, gone});
         store->flush();
     }
@@ -267,12 +268,14 @@ TEST_F(ShelfStoreTest, RestoreKeepsItemsWithAFileAndPrunesEverythingElse) {
 }
 
 TEST_F(ShelfStoreTest, AnUnusableSaveFileOrRestoreTurnedOffEmptiesTheStagingArea) {
-    const ShelfItem a = stagedItem("a");
+    ShelfItem a;
     {
         auto store = makeStore();
+        a = stagedItem("a");
         store->add({a});
         store->flush();
     }
+    ASSERT_TRUE(hasStagedFolder(a));
     preferences.setRestoreItemsOnLaunch(false);
     EXPECT_TRUE(makeStore()->items().empty());
     EXPECT_FALSE(hasStagedFolder(a));
