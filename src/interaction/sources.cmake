@@ -9,3 +9,17 @@ set(MOSSWICK_INTERACTION_SOURCES
   ReducedMotion.h ReducedMotion.cpp
   SpringCurve.h SpringCurve.cpp
 )
+# The shelf view: toolbar, tiles, empty state and drop highlight.
+set(MOSSWICK_INTERACTION_VIEW_SOURCES
+  ShelfFonts.h ShelfFonts.cpp
+  ShelfSymbols.h ShelfSymbols.cpp
+  GlassEffects.h GlassEffects.cpp
+  ToolbarButton.h ToolbarButton.cpp
+  CountLabel.h CountLabel.cpp
+  ShelfToolbar.h ShelfToolbar.cpp
+  ShelfItemView.h ShelfItemView.cpp
+  TileListView.h TileListView.cpp
+  EmptyStateView.h EmptyStateView.cpp
+  DropHighlight.h DropHighlight.cpp
+  ShelfView.h ShelfView.cpp
+)

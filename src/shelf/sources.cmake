@@ -9,3 +9,9 @@ list(APPEND MOSSWICK_SHELF_SOURCES
   ShelfDropHandler.h
   ShelfDropTypes.h ShelfDropTypes.cpp
 )
+# The shelf's window.
+set(MOSSWICK_SHELF_VIEW_SOURCES
+  X11PanelHints.h X11PanelHints.cpp
+  ShelfContentView.h ShelfContentView.cpp
+  ShelfPanel.h ShelfPanel.cpp
+)
