@@ -127,6 +127,14 @@ TEST_F(ShelfPanelTest, ADragOfFilesLightsTheShelfUntilItLeaves) {
     EXPECT_EQ(target.at(1).at(0).toBool(), false);
 }
 
+TEST_F(ShelfPanelTest, APanelPutAwayUnderAHoveringDragDoesNotStayLit) {
+    panel->mapAt(QRect(0, 0, 196, 320));
+    std::unique_ptr<QMimeData> data(files());
+    ASSERT_TRUE(enter(*data));
+    panel->orderOut();
+    EXPECT_FALSE(store->isTargeted());
+}
+
 TEST_F(ShelfPanelTest, ADragOfSomethingElseIsRefusedAndLeavesTheShelfDark) {
     QMimeData data;
     data.setData("application/x-qabstractitemmodeldatalist", "rows");
