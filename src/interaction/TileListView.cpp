@@ -51,9 +51,15 @@ TileListView::~TileListView() = default;
 
 ShelfItemView* TileListView::makeTileView() {
     auto* view = new ShelfItemView(motion_, canvas_);
-    connect(view, &ShelfItemView::closeClicked, this, [this, view] { emit closeClicked(view->tile()); });
-    connect(view, &ShelfItemView::clicked, this,
-            [this, view](Qt::KeyboardModifiers modifiers) { emit tileClicked(view->tile(), modifiers); });
+    // Copies, not the view's own tile: what a click sets off may well change the list.
+    connect(view, &ShelfItemView::closeClicked, this, [this, view] {
+        const ShelfTile tile = view->tile();
+        emit closeClicked(tile);
+    });
+    connect(view, &ShelfItemView::clicked, this, [this, view](Qt::KeyboardModifiers modifiers) {
+        const ShelfTile tile = view->tile();
+        emit tileClicked(tile, modifiers);
+    });
     return view;
 }
 
