@@ -1,3 +1,25 @@
 # Dragging out, menus and the shelf view logic.
 set(MOSSWICK_INTERACTION_SOURCES
+  ShelfLayout.h ShelfLayout.cpp
+  ShelfToolbarState.h ShelfToolbarState.cpp
+  TileDescription.h TileDescription.cpp
+  ItemIcon.h ItemIcon.cpp
+  ShelfPalette.h ShelfPalette.cpp
+  ShelfColors.h ShelfColors.cpp
+  ReducedMotion.h ReducedMotion.cpp
+  SpringCurve.h SpringCurve.cpp
+)
+# The shelf view: toolbar, tiles, empty state and drop highlight.
+set(MOSSWICK_INTERACTION_VIEW_SOURCES
+  ShelfFonts.h ShelfFonts.cpp
+  ShelfSymbols.h ShelfSymbols.cpp
+  GlassEffects.h GlassEffects.cpp
+  ToolbarButton.h ToolbarButton.cpp
+  CountLabel.h CountLabel.cpp
+  ShelfToolbar.h ShelfToolbar.cpp
+  ShelfItemView.h ShelfItemView.cpp
+  TileListView.h TileListView.cpp
+  EmptyStateView.h EmptyStateView.cpp
+  DropHighlight.h DropHighlight.cpp
+  ShelfView.h ShelfView.cpp
 )

@@ -4,6 +4,9 @@
 
 #include <QGuiApplication>
 #include <QTemporaryDir>
+#ifdef MOSSWICK_TEST_WIDGETS
+#include <QApplication>
+#endif
 #include <cstdlib>
 
 #include "support/TestFolders.h"
@@ -14,7 +17,11 @@ int main(int argc, char** argv) {
     mosswick::testing::pointUserFoldersAt(sandbox.path().toStdString());
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
 
+#ifdef MOSSWICK_TEST_WIDGETS
+    QApplication app(argc, argv);  // tests of views build widgets
+#else
     QGuiApplication app(argc, argv);
+#endif
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QVariantAnimation>
+#include <QWidget>
+
+#include "interaction/ReducedMotion.h"
+#include "interaction/TileDescription.h"
+#include "model/ShelfTile.h"
+
+namespace mosswick {
+
+struct ShelfColors;
+
+// One tile of the shelf: an item, or a stack of items dropped together, with its picture, name
+// and size; highlighted when selected; a close button while hovered; a badge when the original
+// is gone and the shelf's copy stands in. Clicks and drags on it belong to the layer that lies
+// over it; until one does, the tile reports them itself.
+class ShelfItemView : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int kCloseFadeMilliseconds = 120;
+
+    explicit ShelfItemView(ReducedMotion motion, QWidget* parent = nullptr);
+
+    void setTile(const ShelfTile& tile, const TileDescription& description);
+    const ShelfTile& tile() const { return tile_; }
+    const TileDescription& description() const { return description_; }
+
+    void setSelected(bool selected);
+    bool isSelected() const { return isSelected_; }
+
+    // Follows the pointer, or whatever layer handles the tile's mouse events.
+    void setHovered(bool hovered);
+    bool isHovered() const { return isHovered_; }
+    double closeButtonOpacity() const { return closeOpacity_; }
+    bool isCloseButtonFading() const { return closeFade_.state() == QAbstractAnimation::Running; }
+
+    // How far the tile has come into the list: 0 before it appears and once it has left, 1 in place.
+    void setPresence(double presence);
+    double presence() const { return presence_; }
+
+    // In the tile's own coordinates.
+    QRectF closeButtonRect() const;
+
+signals:
+    void closeClicked();
+    void clicked(Qt::KeyboardModifiers modifiers);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void paintBackground(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const;
+    void paintPicture(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const;
+    void paintItemPicture(QPainter& painter, const QRectF& box, const ShelfItem& item) const;
+    void paintText(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const;
+
+    ReducedMotion motion_;
+    ShelfTile tile_;
+    TileDescription description_;
+    bool isSelected_ = false;
+    bool isHovered_ = false;
+    double presence_ = 1;
+    double closeOpacity_ = 0;
+    QVariantAnimation closeFade_;
+};
+
+}  // namespace mosswick

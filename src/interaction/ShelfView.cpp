@@ -1,0 +1,93 @@
+#include "interaction/ShelfView.h"
+
+#include <QMouseEvent>
+
+#include "interaction/DropHighlight.h"
+#include "interaction/EmptyStateView.h"
+#include "interaction/ShelfLayout.h"
+#include "interaction/ShelfToolbar.h"
+#include "interaction/ShelfToolbarState.h"
+#include "interaction/TileListView.h"
+#include "model/ShelfStore.h"
+
+namespace mosswick {
+
+ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
+    : QWidget(parent),
+      store_(store),
+      toolbar_(new ShelfToolbar(motion, this)),
+      tiles_(new TileListView(motion, this)),
+      emptyState_(new EmptyStateView(this)),
+      highlight_(new DropHighlight(motion, this)) {
+    onCloseTile = [this](const ShelfTile& tile) {
+        std::set<QUuid> ids;
+        for (const ShelfItem& item : store_.members(tile.first())) ids.insert(item.id);
+        store_.remove(ids, true);
+    };
+    onClickTile = [this](const ShelfTile& tile, Qt::KeyboardModifiers modifiers) {
+        store_.toggleSelection(tile.first(), modifiers.testFlag(Qt::ControlModifier));
+    };
+
+    connect(toolbar_, &ShelfToolbar::bringBackClicked, this, [this] { store_.restoreLastRemoved(); });
+    connect(toolbar_, &ShelfToolbar::clearClicked, this, [this] { store_.removeAll(); });
+    connect(tiles_, &TileListView::closeClicked, this, [this](const ShelfTile& tile) {
+        if (onCloseTile) onCloseTile(tile);
+    });
+    connect(tiles_, &TileListView::tileClicked, this,
+            [this](const ShelfTile& tile, Qt::KeyboardModifiers modifiers) {
+                if (onClickTile) onClickTile(tile, modifiers);
+            });
+    connect(&store_, &ShelfStore::itemsChanged, this, &ShelfView::itemsChanged);
+    connect(&store_, &ShelfStore::selectionChanged, this,
+            [this] { tiles_->setSelection(store_.selection()); });
+    connect(&store_, &ShelfStore::targetedChanged, this, [this] { highlight_->setLit(store_.isTargeted()); });
+
+    highlight_->raise();
+    itemsChanged();
+    highlight_->setLit(store_.isTargeted());
+}
+
+void ShelfView::setOriginCheck(TileDescription::OriginCheck check) {
+    tiles_->setOriginCheck(std::move(check));
+    refresh();
+}
+
+void ShelfView::refresh() { itemsChanged(); }
+
+void ShelfView::itemsChanged() {
+    const bool isEmpty = store_.items().empty();
+    toolbar_->setState(ShelfToolbarState::of(store_), static_cast<qsizetype>(store_.items().size()));
+    // Shown before it is filled, so the first tiles grow in rather than just appear.
+    emptyState_->setVisible(isEmpty);
+    tiles_->setVisible(!isEmpty);
+    tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection());
+}
+
+void ShelfView::resizeEvent(QResizeEvent*) { placeParts(); }
+
+void ShelfView::placeParts() {
+    const int inset = static_cast<int>(ShelfLayout::kContentInset);
+    const int toolbarHeight = static_cast<int>(ShelfLayout::kToolbarHeight);
+    const QRect content = rect().adjusted(inset, inset, -inset, -inset);
+    toolbar_->setGeometry(content.x(), content.y(), content.width(), toolbarHeight);
+    const QRect below = content.adjusted(0, toolbarHeight, 0, 0);
+    tiles_->setGeometry(below);
+    emptyState_->setGeometry(below);
+    highlight_->setGeometry(content);
+}
+
+void ShelfView::mousePressEvent(QMouseEvent* event) {
+    event->accept();
+    if (event->button() == Qt::LeftButton) {
+        store_.setSelection({});
+    } else if (event->button() == Qt::RightButton) {
+        emit contextMenuRequested(event->globalPosition().toPoint());
+    }
+}
+
+void ShelfView::showEvent(QShowEvent*) {
+    // A shelf that was away may hold items whose originals were moved or deleted meanwhile.
+    refresh();
+}
+
+}  // namespace mosswick

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+#include "interaction/ReducedMotion.h"
+#include "interaction/TileDescription.h"
+#include "model/ShelfTile.h"
+
+namespace mosswick {
+
+class DropHighlight;
+class EmptyStateView;
+class ShelfStore;
+class ShelfToolbar;
+class TileListView;
+
+// The content of the shelf panel: the toolbar, then the tiles or, on an empty shelf, a hint on
+// what to do, and the drop highlight over it all while a drag hovers on the shelf. It keeps no
+// state of its own; everything it shows is read from the store when the store changes.
+class ShelfView : public QWidget {
+    Q_OBJECT
+
+public:
+    ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
+
+    // What a click on a tile's close button does; by default the tile's items (its whole group)
+    // leave the shelf, recorded so they can be brought back. The layer that handles clicks and
+    // drags on tiles may take this over.
+    std::function<void(const ShelfTile&)> onCloseTile;
+    // What a plain click on a tile does; by default it selects the tile, or with Ctrl held adds it
+    // to the selection or takes it out.
+    std::function<void(const ShelfTile&, Qt::KeyboardModifiers)> onClickTile;
+
+    // Which items show the missing-original badge; asks the file system unless replaced.
+    void setOriginCheck(TileDescription::OriginCheck check);
+    // Reads the store again, and the file system for originals that went missing meanwhile.
+    void refresh();
+
+    ShelfToolbar& toolbar() { return *toolbar_; }
+    TileListView& tileList() { return *tiles_; }
+    EmptyStateView& emptyState() { return *emptyState_; }
+    DropHighlight& dropHighlight() { return *highlight_; }
+
+signals:
+    // A right click on the shelf's background, for the shelf's own menu.
+    void contextMenuRequested(QPoint globalPosition);
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void itemsChanged();
+    void placeParts();
+
+    ShelfStore& store_;
+    ShelfToolbar* toolbar_;
+    TileListView* tiles_;
+    EmptyStateView* emptyState_;
+    DropHighlight* highlight_;
+};
+
+}  // namespace mosswick

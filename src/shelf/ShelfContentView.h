@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+
+#include "interaction/ReducedMotion.h"
+
+namespace mosswick {
+
+class ShelfDropHandler;
+class ShelfStore;
+class ShelfView;
+
+// The panel's whole surface: it paints the shelf's rounded body, hosts the shelf view, and is the
+// drop target. A drag offering something the shelf takes lights the shelf up (the store's
+// `isTargeted`) for as long as it hovers; its drop goes to the drop handler.
+class ShelfContentView : public QWidget {
+    Q_OBJECT
+
+public:
+    ShelfContentView(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
+
+    // Without a handler every drop is refused. The handler must outlive this view or be reset.
+    void setDropHandler(ShelfDropHandler* handler) { dropHandler_ = handler; }
+    // Solid where no compositor would show what lies behind the window.
+    void setTranslucent(bool translucent);
+    bool isTranslucent() const { return isTranslucent_; }
+
+    ShelfView& shelfView() { return *shelfView_; }
+
+signals:
+    // A drag that the shelf takes came over it (true), or left, ended or dropped (false).
+    void targetChanged(bool targeted);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void setTargeted(bool targeted);
+
+    ShelfStore& store_;
+    ShelfView* shelfView_;
+    ShelfDropHandler* dropHandler_ = nullptr;
+    bool isTranslucent_ = true;
+    bool isTargeted_ = false;
+};
+
+}  // namespace mosswick

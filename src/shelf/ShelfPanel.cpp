@@ -1,0 +1,117 @@
+#include "shelf/ShelfPanel.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QPainterPath>
+#include <QWindow>
+
+#include "interaction/ShelfLayout.h"
+#include "interaction/ShelfPalette.h"
+#include "shelf/ShelfContentView.h"
+#include "shelf/X11PanelHints.h"
+
+namespace mosswick {
+
+ShelfPanel::ShelfPanel(ShelfStore& store, ReducedMotion motion, QWidget* parent)
+    : QWidget(parent,
+              Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
+      content_(new ShelfContentView(store, motion, this)) {
+    setWindowTitle(QStringLiteral("Mosswick"));
+    // Both must be set before the native window exists: the first picks a visual with alpha.
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    winId();
+    windowHandle()->installEventFilter(this);
+    applyPalette();
+}
+
+ShelfPanel::~ShelfPanel() = default;
+
+ShelfView& ShelfPanel::shelfView() { return content_->shelfView(); }
+
+void ShelfPanel::mapAt(const QRect& frame) {
+    setFrame(frame);
+    orderFront();
+}
+
+void ShelfPanel::setFrame(const QRect& frame) {
+    frame_ = frame;
+    setGeometry(frame);
+}
+
+void ShelfPanel::orderFront() {
+    if (isVisible()) {
+        raise();
+        return;
+    }
+    // The window manager forgets these hints whenever the window is withdrawn.
+    X11PanelHints::keepOffTaskbarOnAllWorkspaces(winId());
+    updateTranslucency();
+    show();
+}
+
+void ShelfPanel::orderOut() {
+    hide();
+    setAcceptsFocus(false);
+}
+
+void ShelfPanel::setAppearance(AppearanceMode mode) {
+    appearance_ = mode;
+    applyPalette();
+}
+
+void ShelfPanel::applyPalette() {
+    setPalette(ShelfPalette::forAppearance(appearance_, QGuiApplication::palette()));
+}
+
+void ShelfPanel::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ApplicationPaletteChange && appearance_ == AppearanceMode::system)
+        applyPalette();
+    QWidget::changeEvent(event);
+}
+
+bool ShelfPanel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == windowHandle()) {
+        if (event->type() == QEvent::MouseButtonPress && !acceptsFocus()) {
+            setAcceptsFocus(true);
+        } else if (event->type() == QEvent::KeyPress &&
+                   static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            emit escapePressed();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void ShelfPanel::setAcceptsFocus(bool accepts) {
+    if (accepts == acceptsFocus()) return;
+    const Qt::WindowFlags flags = windowFlags().setFlag(Qt::WindowDoesNotAcceptFocus, !accepts);
+    // Told to the existing window: setting the widget's flags would recreate and unmap it.
+    overrideWindowFlags(flags);
+    if (QWindow* window = windowHandle()) window->setFlags(flags);
+    if (accepts) activateWindow();
+}
+
+void ShelfPanel::resizeEvent(QResizeEvent*) {
+    content_->setGeometry(rect());
+    updateMask();
+}
+
+void ShelfPanel::updateTranslucency() {
+    content_->setTranslucent(X11PanelHints::compositorRunning(winId()));
+    updateMask();
+}
+
+void ShelfPanel::updateMask() {
+    if (content_->isTranslucent()) {
+        clearMask();
+        return;
+    }
+    // Without a compositor the corners would show black: cut the window to its rounded shape.
+    QPainterPath shape;
+    const double radius = ShelfLayout::kPanelCornerRadius;
+    shape.addRoundedRect(QRectF(rect()), radius, radius);
+    setMask(QRegion(shape.toFillPolygon().toPolygon()));
+}
+
+}  // namespace mosswick

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QWidget>
+
+#include "interaction/ReducedMotion.h"
+#include "model/PreferenceEnums.h"
+
+namespace mosswick {
+
+class ShelfContentView;
+class ShelfStore;
+class ShelfView;
+
+// The shelf's floating window: frameless, above other windows, out of the task bar and on every
+// workspace. It does not take the keyboard focus when it appears, only once it is clicked (so
+// Escape can reach it), and gives it up again when it goes away. Rounded and see-through where a
+// compositor runs, solid and cut to its rounded shape where none does.
+//
+// The window controller decides where it stands and when it shows; frames here are in Qt's
+// screen coordinates (top-left origin, device-independent pixels).
+class ShelfPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    ShelfPanel(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
+    ~ShelfPanel() override;
+
+    ShelfContentView& contentView() { return *content_; }
+    ShelfView& shelfView();
+
+    // Places the panel, then maps it above other windows without activating it.
+    void mapAt(const QRect& frame);
+    // Moves and resizes the panel, mapped or not.
+    void setFrame(const QRect& frame);
+    // The frame last given, which the window system may not report back yet.
+    QRect frame() const { return frame_; }
+    // Maps the panel at its frame (raises it when it is already mapped), without activating it.
+    void orderFront();
+    void orderOut();
+
+    void setAppearance(AppearanceMode mode);
+    AppearanceMode appearance() const { return appearance_; }
+
+    bool acceptsFocus() const { return !windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus); }
+
+signals:
+    void escapePressed();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void setAcceptsFocus(bool accepts);
+    void updateTranslucency();
+    void updateMask();
+    void applyPalette();
+
+    ShelfContentView* content_;
+    QRect frame_;
+    AppearanceMode appearance_ = AppearanceMode::system;
+};
+
+}  // namespace mosswick

@@ -1,0 +1,223 @@
+// The shelf view as the user meets it: what shows, what clicks do, and when it animates.
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include "ShelfFixture.h"
+#include "interaction/CountLabel.h"
+#include "interaction/DropHighlight.h"
+#include "interaction/EmptyStateView.h"
+#include "interaction/ShelfItemView.h"
+#include "interaction/ShelfToolbar.h"
+#include "interaction/ShelfView.h"
+#include "interaction/TileListView.h"
+#include "interaction/ToolbarButton.h"
+
+namespace mosswick {
+namespace {
+
+class ShelfViewTest : public testing::ShelfFixture {
+protected:
+    std::unique_ptr<ShelfView> makeView(int slotCount = 3) {
+        auto view = std::make_unique<ShelfView>(*store, motion());
+        view->resize(196, slotCount * 88 + 56);
+        view->show();
+        return view;
+    }
+
+    // Clicks where the user would, letting the press fall through to whatever lies below.
+    static void click(QWidget& top, QPoint position, Qt::MouseButton button = Qt::LeftButton,
+                      Qt::KeyboardModifiers modifiers = {}) {
+        QWidget* target = top.childAt(position);
+        if (!target) target = &top;
+        QTest::mouseClick(target, button, modifiers, target->mapFrom(&top, position));
+    }
+
+    static QPoint centreOf(QWidget& top, const QWidget& part) {
+        return part.mapTo(&top, part.rect().center());
+    }
+
+    static QString count(ShelfView& view) { return view.toolbar().countLabel().text(); }
+
+    // Tiles drawn, those on their way out included.
+    static int drawnTiles(ShelfView& view) {
+        int drawn = 0;
+        for (const ShelfItemView* tile : view.tileList().findChildren<ShelfItemView*>())
+            drawn += tile->isVisible();
+        return drawn;
+    }
+};
+
+TEST_F(ShelfViewTest, AnEmptyShelfShowsTheHintAndNoCount) {
+    auto view = makeView();
+    EXPECT_TRUE(view->emptyState().isVisible());
+    EXPECT_FALSE(view->tileList().isVisible());
+    EXPECT_EQ(count(*view), "");
+    EXPECT_FALSE(view->toolbar().clearButton().isVisible());
+    EXPECT_FALSE(view->toolbar().bringBackButton().isVisible());
+}
+
+TEST_F(ShelfViewTest, ClearingTheShelfCanBeBroughtBackToTheTop) {
+    store->add({item("b.pdf"), item("a.pdf")});
+    auto view = makeView();
+    EXPECT_EQ(count(*view), "2 items");
+    ASSERT_TRUE(view->toolbar().clearButton().isVisible());
+    EXPECT_EQ(view->toolbar().clearButton().toolTip(), "Clear the shelf");
+
+    click(*view, centreOf(*view, view->toolbar().clearButton()));
+    EXPECT_TRUE(store->items().empty());
+    EXPECT_TRUE(view->emptyState().isVisible());
+    EXPECT_FALSE(view->toolbar().clearButton().isVisible());
+    ASSERT_TRUE(view->toolbar().bringBackButton().isVisible()) << "the removal was recorded";
+    EXPECT_EQ(view->toolbar().bringBackButton().toolTip(), "Bring back the files removed last");
+
+    store->add({item("c.pdf")});
+    click(*view, centreOf(*view, view->toolbar().bringBackButton()));
+    EXPECT_EQ(itemNames(), (std::vector<QString>{"b.pdf", "a.pdf", "c.pdf"}));
+    EXPECT_FALSE(view->toolbar().bringBackButton().isVisible());
+    EXPECT_EQ(count(*view), "3 items");
+}
+
+TEST_F(ShelfViewTest, AStackAndASingleItemMakeTwoTilesNewestFirst) {
+    auto view = makeView();
+    store->add(batch({"1.jpg", "2.jpg", "3.jpg"}));
+    store->add({item("newest.pdf")});
+    const auto tiles = view->tileList().tileViews();
+    ASSERT_EQ(tiles.size(), 2u);
+    EXPECT_EQ(tiles[0]->description().title, "newest.pdf");
+    EXPECT_EQ(tiles[1]->description().title, "3 items");
+    EXPECT_LT(tiles[0]->y(), tiles[1]->y());
+    EXPECT_EQ(count(*view), "4 items");
+}
+
+TEST_F(ShelfViewTest, AClickOnATileSelectsItAndOneOnTheBackgroundClearsTheSelection) {
+    store->add({item("a.pdf"), item("b.pdf")});
+    auto view = makeView();
+    const auto tiles = view->tileList().tileViews();
+    ASSERT_EQ(tiles.size(), 2u);
+
+    click(*view, centreOf(*view, *tiles[0]));
+    click(*view, centreOf(*view, *tiles[1]), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_EQ(store->selection().size(), 2u);
+    EXPECT_TRUE(tiles[0]->isSelected());
+    EXPECT_TRUE(tiles[1]->isSelected());
+
+    // Below the last tile, in the list's empty part.
+    click(*view, QPoint(view->width() / 2, view->height() - 20));
+    EXPECT_TRUE(store->selection().empty());
+    EXPECT_FALSE(tiles[0]->isSelected());
+}
+
+TEST_F(ShelfViewTest, ARightClickOnTheBackgroundAsksForTheShelfMenu) {
+    auto view = makeView();
+    QSignalSpy menu(view.get(), &ShelfView::contextMenuRequested);
+    click(*view, QPoint(view->width() / 2, view->height() - 20), Qt::RightButton);
+    EXPECT_EQ(menu.count(), 1);
+}
+
+TEST_F(ShelfViewTest, TheCloseButtonTakesTheWholeTileAwayUndoablyButOnlyWhileHovered) {
+    store->add({item("single.pdf")});
+    store->add(batch({"1.jpg", "2.jpg"}));
+    auto view = makeView();
+    ShelfItemView* stack = view->tileList().tileViews().at(0);
+    const QPoint closeButton = stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint());
+
+    click(*view, closeButton);
+    EXPECT_EQ(store->items().size(), 3u) << "no close button without hover: a plain click";
+    EXPECT_FALSE(store->selection().empty());
+
+    stack->setHovered(true);
+    EXPECT_EQ(stack->closeButtonOpacity(), 1);
+    click(*view, closeButton);
+    EXPECT_EQ(itemNames(), std::vector<QString>{"single.pdf"});
+    ASSERT_EQ(store->removalHistory().size(), 1u);
+    EXPECT_EQ(store->removalHistory().front().size(), 2u);
+}
+
+TEST_F(ShelfViewTest, TheCloseClickCanBeTakenOver) {
+    store->add(batch({"1.jpg", "2.jpg"}));
+    auto view = makeView();
+    std::vector<int> closed;
+    view->onCloseTile = [&](const ShelfTile& tile) { closed.push_back(static_cast<int>(tile.items.size())); };
+    ShelfItemView* stack = view->tileList().tileViews().at(0);
+    stack->setHovered(true);
+    click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
+    EXPECT_EQ(closed, std::vector<int>{2});
+    EXPECT_EQ(store->items().size(), 2u);
+}
+
+TEST_F(ShelfViewTest, AnItemWhoseOriginalIsGoneCarriesTheBadge) {
+    const ShelfItem gone = item("gone.pdf");
+    store->add({gone, item("here.pdf")});
+    auto view = makeView();
+    view->setOriginCheck([&](const ShelfItem& candidate) { return candidate.id == gone.id; });
+    const auto tiles = view->tileList().tileViews();
+    ASSERT_EQ(tiles.size(), 2u);
+    EXPECT_TRUE(tiles[0]->description().isOriginMissing);
+    EXPECT_TRUE(tiles[0]->toolTip().contains(
+        QString::fromUtf8("Original file is missing — Mosswick's copy will be used")));
+    EXPECT_FALSE(tiles[1]->description().isOriginMissing);
+}
+
+TEST_F(ShelfViewTest, WithReducedMotionEveryChangeIsImmediate) {
+    desktopMotion.reduces = true;
+    auto view = makeView();
+    store->add({item("a.pdf")});
+    store->add({item("b.pdf")});
+    EXPECT_FALSE(view->tileList().isAnimating());
+    EXPECT_FALSE(view->toolbar().countLabel().isRolling());
+    ShelfItemView* tile = view->tileList().tileViews().at(0);
+    EXPECT_EQ(tile->presence(), 1);
+
+    store->setTargeted(true);
+    EXPECT_FALSE(view->dropHighlight().isFading());
+    EXPECT_EQ(view->dropHighlight().level(), 1);
+
+    tile->setHovered(true);
+    EXPECT_FALSE(tile->isCloseButtonFading());
+    EXPECT_EQ(tile->closeButtonOpacity(), 1);
+
+    store->removeAll();
+    EXPECT_TRUE(view->tileList().tileViews().empty());
+    EXPECT_EQ(drawnTiles(*view), 0) << "removed tiles are gone at once";
+}
+
+TEST_F(ShelfViewTest, WithoutReducedMotionChangesAnimate) {
+    desktopMotion.reduces = false;
+    auto view = makeView();
+    store->add({item("a.pdf")});
+    EXPECT_TRUE(view->tileList().isAnimating());
+    ShelfItemView* first = view->tileList().tileViews().at(0);
+    EXPECT_LT(first->presence(), 1) << "a new tile grows in";
+
+    store->add({item("b.pdf")});
+    EXPECT_TRUE(view->toolbar().countLabel().isRolling());
+
+    store->setTargeted(true);
+    EXPECT_TRUE(view->dropHighlight().isFading());
+    EXPECT_TRUE(view->dropHighlight().isLit());
+
+    first->setHovered(true);
+    EXPECT_TRUE(first->isCloseButtonFading());
+
+    // A removed tile leaves the list at once but stays drawn until its fade ends.
+    store->remove({store->items().back().id}, true);
+    EXPECT_EQ(view->tileList().tileViews().size(), 1u);
+    EXPECT_EQ(drawnTiles(*view), 2);
+    view->tileList().settle();
+    EXPECT_EQ(drawnTiles(*view), 1);
+    EXPECT_EQ(view->tileList().tileViews().at(0)->presence(), 1);
+}
+
+TEST_F(ShelfViewTest, TheReducedMotionPreferenceAloneIsEnough) {
+    desktopMotion.reduces = false;
+    preferences.setReduceMotion(true);
+    if (!preferences.reduceMotion()) GTEST_SKIP() << "the preferences do not store reduceMotion yet";
+    auto view = makeView();
+    store->add({item("a.pdf")});
+    EXPECT_FALSE(view->tileList().isAnimating());
+}
+
+}  // namespace
+}  // namespace mosswick
