@@ -33,7 +33,6 @@ set(MOSSWICK_SHELF_SOURCES
 
 # What the shelf's window takes from a drag, and the seam its drops go through.
 list(APPEND MOSSWICK_SHELF_SOURCES
-  DesktopMotionSetting.h
   NoDesktopMotionSetting.h
   ShelfDropHandler.h
   ShelfDropTypes.h ShelfDropTypes.cpp
