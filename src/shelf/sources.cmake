@@ -42,4 +42,5 @@ set(MOSSWICK_SHELF_VIEW_SOURCES
   X11PanelHints.h X11PanelHints.cpp
   ShelfContentView.h ShelfContentView.cpp
   ShelfPanel.h ShelfPanel.cpp
+  QtShelfPanelSurface.h QtShelfPanelSurface.cpp
 )
