@@ -7,7 +7,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 shopt -s nullglob
 ran=0
 for fuzzer in "$build"/fuzz/fuzz_*; do
-  [ -x "$fuzzer" ] || continue
+  [ -f "$fuzzer" ] && [ -x "$fuzzer" ] || continue
   name=$(basename "$fuzzer")
   corpus=$(mktemp -d)
   seeds="$here/fuzz/corpus/${name#fuzz_}"
