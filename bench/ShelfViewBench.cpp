@@ -1,0 +1,157 @@
+// How quickly the shelf reaches the screen and how much main-thread time a full shelf costs to
+// lay out. Runs on a real X server (bench/view.sh starts one): mapping and painting are what is
+// measured, so the offscreen platform would flatter it. Prints "name seconds" lines, each the
+// median of its runs.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QWindow>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "interaction/ReducedMotion.h"
+#include "interaction/ShelfView.h"
+#include "model/AppFiles.h"
+#include "model/DefaultsStore.h"
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "platform/qt/QtDisplayEnvironment.h"
+#include "platform/qt/QtScheduler.h"
+#include "shelf/NoDesktopMotionSetting.h"
+#include "shelf/QtShelfPanelSurface.h"
+#include "shelf/ShelfPanel.h"
+#include "shelf/ShelfWindowController.h"
+
+using namespace mosswick;
+
+namespace {
+
+constexpr int kRuns = 20;
+constexpr int kLargeShelf = 500;
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+void report(const char* name, const std::vector<double>& seconds) {
+    std::printf("%s %.6f\n", name, median(seconds));
+}
+
+std::vector<ShelfItem> makeItems(int count) {
+    std::vector<ShelfItem> items;
+    for (int i = 0; i < count; ++i) {
+        ShelfItem item;
+        item.id = QUuid::createUuid();
+        item.displayName = QStringLiteral("Quarterly report %1.pdf").arg(i);
+        item.contentTypeIdentifier = QStringLiteral("application/pdf");
+        item.byteSize = 1234567 + i;
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+// Notes when the panel's window is exposed and when its first frame is painted after that.
+class FirstFrameWatch final : public QObject {
+public:
+    void watch(QWidget* panel) {
+        panel_ = panel;
+        panel->installEventFilter(this);
+        panel->windowHandle()->installEventFilter(this);
+    }
+    void reset() { exposed_ = painted_ = false; }
+    bool painted() const { return painted_; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Expose && watched != panel_) exposed_ = true;
+        if (event->type() == QEvent::Paint && watched == panel_ && exposed_) painted_ = true;
+        return false;
+    }
+
+private:
+    QWidget* panel_ = nullptr;
+    bool exposed_ = false;
+    bool painted_ = false;
+};
+
+void settleFor(int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < milliseconds) QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
+// From `summon()` until the panel is mapped and has painted, for the first show (the window is
+// made then) and for a show of a panel that exists and was put away.
+void measureShow() {
+    MemoryDefaultsStore defaults;
+    Preferences preferences(defaults);
+    preferences.setReduceMotion(true);  // the slide's length is a design choice, not a cost
+    QtScheduler scheduler;
+    Scheduler::setShared(&scheduler);
+    std::vector<double> first, again;
+    for (int run = 0; run < kRuns; ++run) {
+        ShelfStore store(preferences, scheduler, AppFiles::saveFile());
+        store.add(makeItems(3));
+        QtDisplayEnvironment displays;
+        NoDesktopMotionSetting desktopMotion;
+        FirstFrameWatch watch;
+        ShelfWindowController controller({preferences, store, scheduler, displays, desktopMotion,
+                                          [&](const ScreenRect&) -> std::unique_ptr<ShelfPanelSurface> {
+                                              auto* panel = new ShelfPanel(
+                                                  store, ReducedMotion(preferences, desktopMotion));
+                                              watch.watch(panel);
+                                              return std::make_unique<QtShelfPanelSurface>(panel);
+                                          }});
+        for (std::vector<double>* series : {&first, &again}) {
+            watch.reset();
+            QElapsedTimer timer;
+            timer.start();
+            controller.summon();
+            while (!watch.painted() && timer.elapsed() < 5000)
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+            series->push_back(timer.nsecsElapsed() / 1e9);
+            controller.escape();
+            settleFor(150);
+        }
+    }
+    Scheduler::setShared(nullptr);
+    report("show_first", first);
+    report("show_again", again);
+}
+
+// From the change of a shelf of 500 items until the view has every tile placed.
+void measureLayout() {
+    MemoryDefaultsStore defaults;
+    Preferences preferences(defaults);
+    preferences.setReduceMotion(true);
+    QtScheduler scheduler;
+    Scheduler::setShared(&scheduler);
+    NoDesktopMotionSetting desktopMotion;
+    preferences.setMaximumItemCount(kLargeShelf);
+    std::vector<double> seconds;
+    for (int run = 0; run < kRuns; ++run) {
+        ShelfStore store(preferences, scheduler, AppFiles::saveFile());
+        ShelfView view(store, ReducedMotion(preferences, desktopMotion));
+        view.resize(320, 600);
+        auto items = makeItems(kLargeShelf);
+        QElapsedTimer timer;
+        timer.start();
+        store.add(std::move(items));
+        QCoreApplication::processEvents();
+        seconds.push_back(timer.nsecsElapsed() / 1e9);
+        store.removeAll();
+    }
+    Scheduler::setShared(nullptr);
+    report("layout_500", seconds);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    measureLayout();
+    measureShow();
+    return 0;
+}
