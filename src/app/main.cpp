@@ -14,6 +14,7 @@
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QtDisplayEnvironment.h"
 #include "platform/qt/QtScheduler.h"
@@ -27,7 +28,6 @@
 #include "shelf/DummyDesktopProbe.h"
 #include "shelf/DummyHotKeyService.h"
 #include "shelf/HotKeyManager.h"
-#include "shelf/NoDesktopMotionSetting.h"
 #include "shelf/QtShelfPanelSurface.h"
 #include "shelf/ShelfContentView.h"
 #include "shelf/ShelfPanel.h"
@@ -120,7 +120,8 @@ int main(int argc, char** argv) {
     ShelfStore::setShared(&store);
 
     QtDisplayEnvironment displays;
-    NoDesktopMotionSetting desktopMotion;
+    DesktopAnimationSetting desktopMotion(QDBusConnection::sessionBus(),
+                                          DesktopAnimationSetting::defaultKdeGlobals());
     ShelfDropHandler* dropHandler = nullptr;
     ShelfWindowController controller({preferences, store, scheduler, displays, desktopMotion,
                                       [&](const ScreenRect&) -> std::unique_ptr<ShelfPanelSurface> {

@@ -1,0 +1,89 @@
+#include "platform/freedesktop/DesktopAnimationSetting.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace mosswick {
+
+namespace {
+
+const QString kPortalService = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString kPortalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString kSettingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+
+const QString kGnomeGroup = QStringLiteral("org.gnome.desktop.interface");
+const QString kGnomeKey = QStringLiteral("enable-animations");
+const QString kKdeGroup = QStringLiteral("org.kde.kdeglobals.KDE");
+const QString kKdeKey = QStringLiteral("AnimationDurationFactor");
+
+// The portal's old Read wraps the value in a second variant; ReadOne does not.
+QVariant unwrapped(QVariant value) {
+    while (value.canConvert<QDBusVariant>() && value.userType() == qMetaTypeId<QDBusVariant>())
+        value = value.value<QDBusVariant>().variant();
+    return value;
+}
+
+}  // namespace
+
+DesktopAnimationSetting::DesktopAnimationSetting(const QDBusConnection& bus, const QString& kdeGlobals)
+    : bus_(bus) {
+    if (!kdeGlobals.isEmpty()) {
+        const QSettings file(kdeGlobals, QSettings::IniFormat);
+        bool ok = false;
+        const double factor = file.value(QStringLiteral("KDE/AnimationDurationFactor")).toDouble(&ok);
+        if (ok) kdeAnimationFactor_ = factor;
+    }
+    if (!bus_.isConnected()) return;
+    bus_.connect(kPortalService, kPortalPath, kSettingsInterface, QStringLiteral("SettingChanged"), this,
+                 SLOT(settingChanged(QDBusMessage)));
+    ask(kGnomeGroup, kGnomeKey);
+    ask(kKdeGroup, kKdeKey);
+}
+
+DesktopAnimationSetting::~DesktopAnimationSetting() = default;
+
+QString DesktopAnimationSetting::defaultKdeGlobals() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/kdeglobals");
+}
+
+bool DesktopAnimationSetting::reducesMotion() const {
+    if (gnomeAnimationsEnabled_ == false) return true;
+    return kdeAnimationFactor_ && *kdeAnimationFactor_ <= 0;
+}
+
+void DesktopAnimationSetting::ask(const QString& group, const QString& key) {
+    QDBusMessage call = QDBusMessage::createMethodCall(kPortalService, kPortalPath, kSettingsInterface,
+                                                       QStringLiteral("Read"));
+    call << group << key;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call, 2000), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
+        watcher->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+        // No portal, or a desktop without this setting: the other sources stand.
+        if (reply.isValid()) take(group, key, reply.value().variant());
+    });
+}
+
+void DesktopAnimationSetting::settingChanged(const QDBusMessage& message) {
+    const QVariantList arguments = message.arguments();
+    if (arguments.size() != 3) return;
+    take(arguments[0].toString(), arguments[1].toString(), arguments[2]);
+}
+
+void DesktopAnimationSetting::take(const QString& group, const QString& key, const QVariant& value) {
+    const QVariant plain = unwrapped(value);
+    if (group == kGnomeGroup && key == kGnomeKey && plain.typeId() == QMetaType::Bool) {
+        gnomeAnimationsEnabled_ = plain.toBool();
+    } else if (group == kKdeGroup && key == kKdeKey) {
+        bool ok = false;
+        const double factor = plain.toDouble(&ok);
+        if (ok) kdeAnimationFactor_ = factor;
+    }
+}
+
+}  // namespace mosswick
