@@ -16,8 +16,10 @@ packages=(
   # tests and benchmarks
   libgtest-dev libgmock-dev libbenchmark-dev
   # desktop tests: headless X server, window manager, input driving, inspection, screenshots
-  xvfb openbox xdotool x11-utils imagemagick xcompmgr dbus dbus-x11 xarchiver zip
+  xvfb openbox xdotool x11-utils imagemagick xcompmgr dbus dbus-x11 xarchiver zip unzip
   fonts-dejavu-core shared-mime-info bc python3
+  # second screen (RandR monitors) and the XEmbed tray for the desktop tests
+  x11-xserver-utils trayer
 )
 
 missing=()
