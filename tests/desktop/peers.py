@@ -2,7 +2,9 @@
 
 import base64
 import os
+import struct
 import urllib.parse
+import zlib
 
 SOURCE_GEOMETRY = "100,100,200,150"
 SOURCE_POINT = (200, 175)
@@ -63,3 +65,18 @@ def make_files(folder, names, content=lambda name: b"contents of " + name):
             f.write(content(name))
         paths.append(path)
     return paths
+
+
+def make_png(path, width, height):
+    """Writes a PNG of a colour gradient (RGB, 8 bits) and returns its bytes."""
+    rows = b"".join(b"\0" + bytes(v for x in range(width) for v in (x * 255 // width, y * 255 // height, 128))
+                    for y in range(height))
+
+    def chunk(kind, body):
+        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
+
+    png = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) + \
+        chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
+    with open(path, "wb") as f:
+        f.write(png)
+    return png
