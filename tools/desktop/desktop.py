@@ -216,6 +216,11 @@ class Desktop:
         self.close()
         return False
 
+    @property
+    def programs(self):
+        """Everything started on this desktop so far (the X server and window manager too)."""
+        return list(self._programs)
+
     def close(self):
         """Stops everything the desktop started, newest first, and removes its temporary folder.
         The output folder stays."""
