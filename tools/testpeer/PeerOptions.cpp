@@ -53,197 +53,110 @@ struct Option {
     std::function<QString(PeerOptions&, const QList<QByteArray>&)> apply;
 };
 
-QString setText(QString& target, const QList<QByteArray>& values) {
-    target = QString::fromUtf8(values[0]);
-    return {};
+// A value kept as bytes (QByteArray or std::optional<QByteArray>).
+template <typename Field>
+Option bytes(Field PeerOptions::*field) {
+    return {1, [field](PeerOptions& o, const QList<QByteArray>& v) {
+                o.*field = v[0];
+                return QString();
+            }};
+}
+
+Option paths(QList<QByteArray> PeerOptions::*field, int values) {
+    return {values, [field](PeerOptions& o, const QList<QByteArray>& v) {
+                o.*field += v;
+                return QString();
+            }};
+}
+
+Option flag(bool PeerOptions::*field) {
+    return {0, [field](PeerOptions& o, const QList<QByteArray>&) {
+                o.*field = true;
+                return QString();
+            }};
+}
+
+// Text, one of `allowed` when that is given.
+Option text(QString PeerOptions::*field, const QStringList& allowed = {}) {
+    return {1, [field, allowed](PeerOptions& o, const QList<QByteArray>& v) {
+                if (!allowed.isEmpty() && !isOneOf(v[0], allowed))
+                    return QStringLiteral("wants one of: ") + allowed.join(QStringLiteral(", "));
+                o.*field = QString::fromUtf8(v[0]);
+                return QString();
+            }};
+}
+
+Option seconds(double PeerOptions::*field) {
+    return {1, [field](PeerOptions& o, const QList<QByteArray>& v) {
+                const auto value = parseSeconds(v[0]);
+                if (!value) return QStringLiteral("wants a number of seconds");
+                o.*field = *value;
+                return QString();
+            }};
+}
+
+Option count(int PeerOptions::*field, int minimum) {
+    return {1, [field, minimum](PeerOptions& o, const QList<QByteArray>& v) {
+                bool ok = false;
+                const int value = v[0].toInt(&ok);
+                if (!ok || value < minimum) return QStringLiteral("wants a number from %1").arg(minimum);
+                o.*field = value;
+                return QString();
+            }};
 }
 
 const std::map<QByteArray, Option>& options() {
+    using O = PeerOptions;
     static const std::map<QByteArray, Option> table = {
         {"--geometry",
          {1,
-          [](PeerOptions& o, const auto& v) -> QString {
+          [](O& o, const QList<QByteArray>& v) {
               const auto rect = parseGeometry(v[0]);
-              if (!rect) return QStringLiteral("--geometry wants X,Y,WIDTH,HEIGHT");
+              if (!rect) return QStringLiteral("wants X,Y,WIDTH,HEIGHT");
               o.geometry = *rect;
-              return {};
-          }}},
-        {"--label", {1, [](PeerOptions& o, const auto& v) { return setText(o.label, v); }}},
-        {"--report",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.report = v[0];
               return QString();
           }}},
-        {"--app-id", {1, [](PeerOptions& o, const auto& v) { return setText(o.appId, v); }}},
-        {"--stay",
-         {0,
-          [](PeerOptions& o, const auto&) {
-              o.stay = true;
-              return QString();
-          }}},
-        {"--file",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.files += v[0];
-              return QString();
-          }}},
-        {"--files",
-         {-1,
-          [](PeerOptions& o, const auto& v) {
-              o.files += v;
-              return QString();
-          }}},
-        {"--folder",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.folders += v[0];
-              return QString();
-          }}},
-        {"--link",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.linkUrl = v[0];
-              return QString();
-          }}},
-        {"--title",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.linkTitle = v[0];
-              return QString();
-          }}},
-        {"--link-uri-list",
-         {0,
-          [](PeerOptions& o, const auto&) {
-              o.linkUriList = true;
-              return QString();
-          }}},
-        {"--image",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.image = v[0];
-              return QString();
-          }}},
-        {"--text",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.text = v[0];
-              return QString();
-          }}},
-        {"--html",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.html = v[0];
-              return QString();
-          }}},
-        {"--rtf",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.rtf = v[0];
-              return QString();
-          }}},
-        {"--promise",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.promiseName = v[0];
-              return QString();
-          }}},
-        {"--promise-type",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.promiseType = v[0];
-              return QString();
-          }}},
-        {"--promise-data",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.promiseData = v[0];
-              return QString();
-          }}},
-        {"--octet-stream",
-         {0,
-          [](PeerOptions& o, const auto&) {
-              o.promiseOctetStream = true;
-              return QString();
-          }}},
+        {"--label", text(&O::label)},
+        {"--report", bytes(&O::report)},
+        {"--app-id", text(&O::appId)},
+        {"--stay", flag(&O::stay)},
+        {"--file", paths(&O::files, 1)},
+        {"--files", paths(&O::files, -1)},
+        {"--folder", paths(&O::folders, 1)},
+        {"--link", bytes(&O::linkUrl)},
+        {"--title", bytes(&O::linkTitle)},
+        {"--link-uri-list", flag(&O::linkUriList)},
+        {"--image", bytes(&O::image)},
+        {"--text", bytes(&O::text)},
+        {"--html", bytes(&O::html)},
+        {"--rtf", bytes(&O::rtf)},
+        {"--promise", bytes(&O::promiseName)},
+        {"--promise-type", bytes(&O::promiseType)},
+        {"--promise-data", bytes(&O::promiseData)},
+        {"--octet-stream", flag(&O::promiseOctetStream)},
         {"--fail",
          {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              if (v[0] != "E" && v[0] != "F") return QStringLiteral("--fail wants E or F");
+          [](O& o, const QList<QByteArray>& v) {
+              if (v[0] != "E" && v[0] != "F") return QStringLiteral("wants E or F");
               o.promiseFailure = v[0][0];
-              return {};
-          }}},
-        {"--late",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              const auto seconds = parseSeconds(v[0]);
-              if (!seconds) return QStringLiteral("--late wants a number of seconds");
-              o.promiseLateSeconds = *seconds;
-              return {};
-          }}},
-        {"--own-name",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.promiseOwnName = v[0];
               return QString();
           }}},
+        {"--late", seconds(&O::promiseLateSeconds)},
+        {"--own-name", bytes(&O::promiseOwnName)},
         {"--actions",
          {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              if (!validActions(v[0])) return QStringLiteral("--actions wants a list of copy, move, link");
+          [](O& o, const QList<QByteArray>& v) {
+              if (!validActions(v[0])) return QStringLiteral("wants a list of copy, move, link");
               o.actions = QString::fromUtf8(v[0]);
-              return {};
-          }}},
-        {"--finish-timeout",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              const auto seconds = parseSeconds(v[0]);
-              if (!seconds) return QStringLiteral("--finish-timeout wants a number of seconds");
-              o.finishTimeoutSeconds = *seconds;
-              return {};
-          }}},
-        {"--accept",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              if (!isOneOf(v[0], {"copy", "move", "link", "ignore"}))
-                  return QStringLiteral("--accept wants copy, move, link or ignore");
-              return setText(o.accept, v);
-          }}},
-        {"--promise-folder",
-         {1,
-          [](PeerOptions& o, const auto& v) {
-              o.directSaveFolder = v[0];
               return QString();
           }}},
-        {"--timeout",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              const auto seconds = parseSeconds(v[0]);
-              if (!seconds) return QStringLiteral("--timeout wants a number of seconds");
-              o.readTimeoutSeconds = *seconds;
-              return {};
-          }}},
-        {"--edge",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              if (!isOneOf(v[0], {"top", "bottom", "left", "right"}))
-                  return QStringLiteral("--edge wants top, bottom, left or right");
-              return setText(o.edge, v);
-          }}},
-        {"--size",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              bool ok = false;
-              o.size = v[0].toInt(&ok);
-              return ok && o.size > 0 ? QString() : QStringLiteral("--size wants a positive number");
-          }}},
-        {"--screen",
-         {1,
-          [](PeerOptions& o, const auto& v) -> QString {
-              bool ok = false;
-              o.screen = v[0].toInt(&ok);
-              return ok && o.screen >= 0 ? QString() : QStringLiteral("--screen wants a screen number");
-          }}},
+        {"--finish-timeout", seconds(&O::finishTimeoutSeconds)},
+        {"--accept", text(&O::accept, {"copy", "move", "link", "ignore"})},
+        {"--promise-folder", bytes(&O::directSaveFolder)},
+        {"--timeout", seconds(&O::readTimeoutSeconds)},
+        {"--edge", text(&O::edge, {"top", "bottom", "left", "right"})},
+        {"--size", count(&O::size, 1)},
+        {"--screen", count(&O::screen, 0)},
     };
     return table;
 }
@@ -280,7 +193,7 @@ std::variant<PeerOptions, UsageError> parsePeerOptions(const QList<QByteArray>& 
             }
         }
         if (const QString complaint = option->second.apply(result, values); !complaint.isEmpty())
-            return UsageError{complaint};
+            return UsageError{QString::fromUtf8(arguments[i]) + u' ' + complaint};
         i = next;
     }
     if ((result.mode == Mode::Drag || result.mode == Mode::Clipboard) && !result.hasDragPayload())
