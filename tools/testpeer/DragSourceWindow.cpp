@@ -52,7 +52,7 @@ DragSourceWindow::DragSourceWindow(const PeerOptions& options, Payload payload)
       events_(servedAsIs(payload_)),
       report_(options.report, QStringLiteral("drags")) {
     events_.onFinished = [this](const DragSourceEvents::Finished& finished) {
-        if (!finishWait_.isActive()) return;
+        if (!dragging_) return;
         finished_ = finished;
         if (!inExec_) report();
     };
@@ -92,14 +92,16 @@ void DragSourceWindow::startDrag() {
     drag->setMimeData(new PayloadMimeData(payload_, keep));
     // The drag selection has its owner once the drag runs: the proposed name goes on that window.
     if (promise_) QTimer::singleShot(0, this, [this] { promise_->propose(); });
-    // The target's finish can only come once the drop is sent, which is when exec() returns;
-    // from then on the target may still be reading (a promise may take long).
-    finishWait_.start(static_cast<int>((options_.finishTimeoutSeconds + options_.promiseLateSeconds) * 1000));
     inExec_ = true;
     dragResult_ = drag->exec(offered(options_.actions), Qt::CopyAction);
     inExec_ = false;
-    // Without a target there is no finish to wait for.
-    if (finished_ || dragResult_ == Qt::IgnoreAction) report();
+    // exec() returns once the drop is sent; the target may still be reading (a promise may take
+    // long) before it says it has finished. Without a target there is no finish to wait for.
+    if (finished_ || dragResult_ == Qt::IgnoreAction)
+        report();
+    else
+        finishWait_.start(
+            static_cast<int>((options_.finishTimeoutSeconds + options_.promiseLateSeconds) * 1000));
 }
 
 void DragSourceWindow::report() {
