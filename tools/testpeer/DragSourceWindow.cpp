@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "DropActionNames.h"
 #include "PayloadMimeData.h"
 
 namespace mosswick::testpeer {
@@ -16,26 +17,6 @@ QList<std::pair<QByteArray, QByteArray>> servedAsIs(const Payload& payload) {
     if (const QByteArray* link = payload.find(QStringLiteral("text/x-moz-url")))
         targets.append({"text/x-moz-url", *link});
     return targets;
-}
-
-Qt::DropActions offered(const QString& actions) {
-    Qt::DropActions result;
-    for (const QString& action : actions.split(u','))
-        result |= action == u"move" ? Qt::MoveAction : action == u"link" ? Qt::LinkAction : Qt::CopyAction;
-    return result;
-}
-
-QString actionName(Qt::DropAction action) {
-    switch (action) {
-        case Qt::CopyAction:
-            return QStringLiteral("copy");
-        case Qt::MoveAction:
-            return QStringLiteral("move");
-        case Qt::LinkAction:
-            return QStringLiteral("link");
-        default:
-            return QStringLiteral("none");
-    }
 }
 
 std::optional<DirectSavePromise::Terms> promiseTerms(const PeerOptions& options) {
@@ -93,7 +74,7 @@ void DragSourceWindow::startDrag() {
     // The drag selection has its owner once the drag runs: the proposed name goes on that window.
     if (promise_) QTimer::singleShot(0, this, [this] { promise_->propose(); });
     inExec_ = true;
-    dragResult_ = drag->exec(offered(options_.actions), Qt::CopyAction);
+    dragResult_ = drag->exec(DropActionNames::actions(options_.actions), Qt::CopyAction);
     inExec_ = false;
     // exec() returns once the drop is sent; the target may still be reading (a promise may take
     // long) before it says it has finished. Without a target there is no finish to wait for.
@@ -108,7 +89,7 @@ void DragSourceWindow::report() {
     const auto& finished = finished_;
     finishWait_.stop();
     dragging_ = false;
-    QJsonObject entry{{QStringLiteral("exec_action"), actionName(dragResult_)},
+    QJsonObject entry{{QStringLiteral("exec_action"), DropActionNames::name(dragResult_)},
                       {QStringLiteral("finished"), finished.has_value()},
                       {QStringLiteral("accepted"), finished && finished->accepted},
                       {QStringLiteral("action"),

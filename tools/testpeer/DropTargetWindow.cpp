@@ -8,24 +8,13 @@
 #include <QUrl>
 
 #include "DirectSaveReceiver.h"
+#include "DropActionNames.h"
 #include "SelectionDump.h"
 #include "model/LocalPath.h"
 
 namespace mosswick::testpeer {
 
 namespace {
-
-Qt::DropAction actionNamed(const QString& name) {
-    if (name == u"move") return Qt::MoveAction;
-    if (name == u"link") return Qt::LinkAction;
-    return Qt::CopyAction;
-}
-
-QString actionName(Qt::DropAction action) {
-    return action == Qt::MoveAction   ? QStringLiteral("move")
-           : action == Qt::LinkAction ? QStringLiteral("link")
-                                      : QStringLiteral("copy");
-}
 
 // What a Qt application sees of the same drop.
 QJsonObject qtView(const QMimeData& data) {
@@ -57,7 +46,7 @@ void DropTargetWindow::paintEvent(QPaintEvent*) {
 
 bool DropTargetWindow::choose(QDropEvent* event) const {
     if (options_.accept == u"ignore") return false;
-    const Qt::DropAction wanted = actionNamed(options_.accept);
+    const Qt::DropAction wanted = DropActionNames::action(options_.accept);
     event->setDropAction(event->possibleActions() & wanted ? wanted : event->proposedAction());
     return true;
 }
@@ -99,7 +88,7 @@ QJsonObject DropTargetWindow::record(const QDropEvent& event) {
     QJsonObject entry =
         dumpSelection(*reader_, selection, offer.targets, offer.dropTime, timeoutMs, {"XdndDirectSave0"});
     if (!promise.isEmpty()) entry[QStringLiteral("promise")] = promise;
-    entry[QStringLiteral("action")] = actionName(event.dropAction());
+    entry[QStringLiteral("action")] = DropActionNames::name(event.dropAction());
     entry[QStringLiteral("source_window")] = static_cast<qint64>(offer.source);
     entry[QStringLiteral("position")] = QJsonArray{event.position().x(), event.position().y()};
     entry[QStringLiteral("qt")] = qtView(*event.mimeData());
