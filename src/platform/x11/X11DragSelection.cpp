@@ -55,9 +55,11 @@ bool X11DragSelection::handleEvent(XEvent& event) {
     }
     if (event.type == SelectionNotify && event.xselection.requestor == window_) {
         const XSelectionEvent& reply = event.xselection;
-        // An answer for an older change, or for a target no longer asked for.
-        if (reply.selection == selection_ && reply.time == changeTime_ && reply.target == pendingTarget_)
-            replied(reply.target, reply.property);
+        // An answer for an older change, or for a target no longer asked for. A refusal may name
+        // no target at all (Qt's drag sources answer so): it is the one conversion pending.
+        if (reply.selection == selection_ && reply.time == changeTime_ && pendingTarget_ &&
+            (reply.target == pendingTarget_ || reply.target == None))
+            replied(pendingTarget_, reply.property);
         return true;
     }
     if (event.type == PropertyNotify && event.xproperty.window == window_) {

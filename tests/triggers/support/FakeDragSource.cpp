@@ -57,9 +57,19 @@ void FakeDragSource::pump() {
                             static_cast<int>(data.size()));
             reply.property = request.property;
         }
+        // Qt's refusal leaves the target out; GTK's repeats it.
+        if (reply.property == None && style_ == Style::refusesTargets) reply.target = None;
         XSendEvent(display_, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
         XFlush(display_);
     }
+}
+
+bool FakeDragSource::grabPointer() {
+    const int status = XGrabPointer(display_, DefaultRootWindow(display_), False,
+                                    ButtonPressMask | ButtonReleaseMask | PointerMotionMask, GrabModeAsync,
+                                    GrabModeAsync, None, None, CurrentTime);
+    XSync(display_, False);
+    return status == GrabSuccess;
 }
 
 QStringList FakeDragSource::requestedTargets() const {

@@ -9,8 +9,9 @@ struct _XDisplay;
 namespace mosswick::testing {
 
 // A drag source reduced to its selection: it takes XdndSelection and answers conversions the way
-// GTK programs do (TARGETS answered) or the way Qt programs do (TARGETS refused, each offered
-// type answered), remembering every target it was asked for and at what time.
+// GTK programs do (TARGETS answered) or the way Qt programs do (TARGETS refused with a reply that
+// names no target, each offered type answered), remembering every target it was asked for and at
+// what time.
 class FakeDragSource {
 public:
     enum class Style { answersTargets, refusesTargets };
@@ -29,6 +30,8 @@ public:
     void takeSelection();
     // Answers whatever has been asked so far.
     void pump();
+    // Takes the pointer, as a drag source does for the whole drag.
+    bool grabPointer();
 
     const std::vector<Request>& requests() const { return requests_; }
     QStringList requestedTargets() const;
