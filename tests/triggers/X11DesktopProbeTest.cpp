@@ -81,6 +81,18 @@ TEST_F(X11DesktopProbeTest, SeesTheLeftButtonAndMotionOnlyWhileItIsDown) {
     EXPECT_TRUE(events.empty());
 }
 
+TEST_F(X11DesktopProbeTest, FollowsTheDragWhileItsSourceHoldsThePointer) {
+    watch();
+    ASSERT_TRUE(mouse({QStringLiteral("mousedown"), QStringLiteral("1")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseDown); }));
+    FakeDragSource source(server.displayName(), FakeDragSource::Style::refusesTargets, {kUriList});
+    ASSERT_TRUE(source.grabPointer());
+    ASSERT_TRUE(mouse({QStringLiteral("mousemove_relative"), QStringLiteral("40"), QStringLiteral("5")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseDragged); }));
+    ASSERT_TRUE(mouse({QStringLiteral("mouseup"), QStringLiteral("1")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseUp); }));
+}
+
 TEST_F(X11DesktopProbeTest, ShiftIsReadFromTheServer) {
     ASSERT_TRUE(mouse({QStringLiteral("keydown"), QStringLiteral("shift")}));
     EXPECT_TRUE(probe->isShiftDown());

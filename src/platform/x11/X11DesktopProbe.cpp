@@ -14,8 +14,10 @@ std::unique_ptr<X11DesktopProbe> X11DesktopProbe::create(X11Connection& connecti
     int opcode = 0;
     int eventBase = 0;
     int errorBase = 0;
+    // 2.1 or later: under 2.0 raw events stop while another client grabs the pointer, and every
+    // drag source grabs it for the whole drag.
     int major = 2;
-    int minor = 0;
+    int minor = 2;
     if (!XQueryExtension(display, "XInputExtension", &opcode, &eventBase, &errorBase) ||
         XIQueryVersion(display, &major, &minor) != Success)
         return nullptr;
