@@ -47,12 +47,26 @@ void ShelfPanel::orderFront() {
     // The window manager forgets these hints whenever the window is withdrawn.
     X11PanelHints::keepOffTaskbarOnAllWorkspaces(winId());
     updateTranslucency();
+    confirmingPosition_ = true;
     show();
 }
 
 void ShelfPanel::orderOut() {
+    confirmingPosition_ = false;
     hide();
     setAcceptsFocus(false);
+}
+
+void ShelfPanel::confirmPosition() {
+    if (!confirmingPosition_ || !isVisible()) return;
+    QWindow* window = windowHandle();
+    if (window->position() == frame_.topLeft()) return;
+    // A window manager may report a window it has just taken on at a place it never stood (openbox
+    // says 0,0 for one placed and mapped in one go) and stay silent once it stands where asked.
+    // Qt keeps believing the report and maps every drop's position with it, so drops would land
+    // beside the shelf and be refused. Asking once more for the same frame draws a true report.
+    confirmingPosition_ = false;
+    window->setGeometry(frame_);
 }
 
 void ShelfPanel::setAppearance(AppearanceMode mode) {
@@ -72,7 +86,9 @@ void ShelfPanel::changeEvent(QEvent* event) {
 
 bool ShelfPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == windowHandle()) {
-        if (event->type() == QEvent::MouseButtonPress && !acceptsFocus()) {
+        if (event->type() == QEvent::Expose || event->type() == QEvent::Move) {
+            confirmPosition();
+        } else if (event->type() == QEvent::MouseButtonPress && !acceptsFocus()) {
             setAcceptsFocus(true);
         } else if (event->type() == QEvent::KeyPress &&
                    static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {

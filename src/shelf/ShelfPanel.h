@@ -53,12 +53,15 @@ protected:
 
 private:
     void setAcceptsFocus(bool accepts);
+    // Once after each mapping: makes Qt learn where the window really stands.
+    void confirmPosition();
     void updateTranslucency();
     void updateMask();
     void applyPalette();
 
     ShelfContentView* content_;
     QRect frame_;
+    bool confirmingPosition_ = false;
     AppearanceMode appearance_ = AppearanceMode::system;
 };
 

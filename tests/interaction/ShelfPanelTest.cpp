@@ -85,6 +85,25 @@ TEST_F(ShelfPanelTest, IsAFloatingToolWindowThatDoesNotTakeTheFocusWhenShown) {
     EXPECT_FALSE(panel->isActiveWindow());
 }
 
+// Drops are mapped with where Qt believes the window stands, so a false report of a window
+// manager must not stick; but one that insists is not fought either.
+TEST_F(ShelfPanelTest, AsksOnceMoreForItsFrameWhenReportedElsewhereAfterMapping) {
+    panel->mapAt(QRect(300, 200, 196, 320));
+    panel->windowHandle()->setPosition(0, 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->windowHandle()->position(), QPoint(300, 200));
+
+    panel->windowHandle()->setPosition(10, 10);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->windowHandle()->position(), QPoint(10, 10));
+
+    panel->orderOut();
+    panel->mapAt(QRect(300, 200, 196, 320));
+    panel->windowHandle()->setPosition(0, 0);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(panel->windowHandle()->position(), QPoint(300, 200));
+}
+
 TEST_F(ShelfPanelTest, AClickLetsTheFocusInUntilThePanelGoesAway) {
     panel->mapAt(QRect(0, 0, 196, 320));
     QTest::mouseClick(panel->windowHandle(), Qt::LeftButton, {}, QPoint(98, 200));
