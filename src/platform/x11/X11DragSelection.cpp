@@ -55,10 +55,12 @@ bool X11DragSelection::handleEvent(XEvent& event) {
     }
     if (event.type == SelectionNotify && event.xselection.requestor == window_) {
         const XSelectionEvent& reply = event.xselection;
-        // An answer for an older change, or for a target no longer asked for. A refusal may name
-        // no target at all (Qt's drag sources answer so): it is the one conversion pending.
-        if (reply.selection == selection_ && reply.time == changeTime_ && pendingTarget_ &&
-            (reply.target == pendingTarget_ || reply.target == None))
+        // An answer for an older change, or for a target no longer asked for, is ignored. Qt's
+        // sources refuse with no target named (GTK's name the one asked for), so a refusal at the
+        // change's time counts as the answer to whatever is pending.
+        const bool refusal = reply.property == None && reply.target == None;
+        if (reply.selection == selection_ && reply.time == changeTime_ && pendingTarget_ != 0 &&
+            (reply.target == pendingTarget_ || refusal))
             replied(pendingTarget_, reply.property);
         return true;
     }

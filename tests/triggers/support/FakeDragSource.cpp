@@ -57,7 +57,7 @@ void FakeDragSource::pump() {
                             static_cast<int>(data.size()));
             reply.property = request.property;
         }
-        // Qt's refusal leaves the target out; GTK's repeats it.
+        // Qt's sources name no target in a refusal, GTK's repeat the one asked for.
         if (reply.property == None && style_ == Style::refusesTargets) reply.target = None;
         XSendEvent(display_, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
         XFlush(display_);
