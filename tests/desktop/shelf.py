@@ -4,21 +4,12 @@ copies it leaves."""
 
 import json
 import os
+import struct
 import subprocess
 import urllib.parse
+import zlib
 
 from desktop import DesktopError, mosswick_binary
-
-# The shelf's measures, in pixels (one design point is one pixel at scale 1).
-WIDTH = 196
-SLOT = 88
-CHROME = 40 + 16
-INSET = 6
-
-
-def height(slots):
-    return slots * SLOT + CHROME
-
 
 class Shelf:
     """A running Mosswick and its shelf window."""
@@ -134,3 +125,38 @@ def pixel(desktop, x, y):
 
 def distinct_colours(desktop, rect):
     return {p for row in pixels(desktop, rect) for p in row}
+
+
+def png_pixels(data):
+    """(width, height, rows of RGBA tuples) of an 8-bit, non-interlaced grey, RGB or RGBA PNG."""
+    assert data[:8] == b"\x89PNG\r\n\x1a\n", data[:8]
+    offset, chunks = 8, {}
+    while offset < len(data):
+        length, kind = struct.unpack(">I4s", data[offset:offset + 8])
+        chunks[kind] = chunks.get(kind, b"") + data[offset + 8:offset + 8 + length]
+        offset += 12 + length
+    width, height, depth, colour, _, _, interlace = struct.unpack(">IIBBBBB", chunks[b"IHDR"])
+    channels = {0: 1, 2: 3, 4: 2, 6: 4}[colour]
+    assert depth == 8 and not interlace, (depth, interlace)
+    raw, stride, rows, previous = zlib.decompress(chunks[b"IDAT"]), width * channels, [], bytes(width * channels)
+    for y in range(height):
+        kind, line = raw[y * (stride + 1)], bytearray(raw[y * (stride + 1) + 1:(y + 1) * (stride + 1)])
+        for i in range(stride):
+            left = line[i - channels] if i >= channels else 0
+            up, corner = previous[i], previous[i - channels] if i >= channels else 0
+            if kind == 1:
+                line[i] = (line[i] + left) & 255
+            elif kind == 2:
+                line[i] = (line[i] + up) & 255
+            elif kind == 3:
+                line[i] = (line[i] + (left + up) // 2) & 255
+            elif kind == 4:
+                p = left + up - corner
+                nearest = min((abs(p - left), 0, left), (abs(p - up), 1, up), (abs(p - corner), 2, corner))[2]
+                line[i] = (line[i] + nearest) & 255
+        previous = bytes(line)
+        pixels_ = [tuple(line[x * channels:(x + 1) * channels]) for x in range(width)]
+        expand = {1: lambda p: (p[0],) * 3 + (255,), 2: lambda p: (p[0],) * 3 + (p[1],),
+                  3: lambda p: p + (255,), 4: lambda p: p}[channels]
+        rows.append([expand(p) for p in pixels_])
+    return width, height, rows

@@ -2,6 +2,8 @@
 leave free, and keeps out of the task bar on every workspace, also after it was put away and
 brought back.
 
+A compositor runs, so the screenshot shows the shelf's rounded, see-through corners.
+
 The frames are worked out by hand for a 1280x800 screen (X root pixels, y down):
 - a 40 px panel at the bottom leaves 0,0 1280x760: (760 - 68) / 88 = 7.9, so 7 slots fit;
   standard is 3 slots (320 px tall), smallest 1 (144 px), biggest 7 (672 px);
@@ -14,7 +16,7 @@ The frames are worked out by hand for a 1280x800 screen (X root pixels, y down):
 from desktop import Desktop, skip_unless_available
 from shelf import Shelf
 
-skip_unless_available(mosswick=True)
+skip_unless_available("xcompmgr", mosswick=True)
 
 BOTTOM_PANEL = {
     ("standard", "leftTop"): (6, 6, 196, 320),
@@ -63,7 +65,7 @@ def keeps_out_of_the_taskbar(d, shelf, window, when):
     assert d.window_class(window) == ("mosswick", "Mosswick"), d.window_class(window)
 
 
-with Desktop(strut_bottom=40) as d:
+with Desktop(strut_bottom=40, compositor=True) as d:
     place(d, BOTTOM_PANEL, (0, 0, 1280, 760))
 
     shelf = Shelf(d, {"position": "rightCenter", "size": "standard"}, summon=True)
