@@ -49,6 +49,18 @@ class Shelf:
     def wait_hidden(self, timeout=5):
         self.desktop.wait_for(lambda: not self.visible(), timeout, "the shelf to go away")
 
+    def put_away(self, pointer_to):
+        """Clicks the shelf's empty bottom strip (the shelf then takes the focus), moves the pointer
+        to `pointer_to` (a shelf under the pointer lingers), presses Escape and waits until the
+        shelf is gone."""
+        window = self.window()
+        x, y, width, height_ = self.desktop.window_geometry(window)
+        self.desktop.click(x + width // 2, y + height_ - 12)
+        self.desktop.wait_for(lambda: active_window(self.desktop) == window, 3, "the clicked shelf to take the focus")
+        self.desktop.move(*pointer_to)
+        self.desktop.key("Escape")
+        self.wait_hidden()
+
     def summon_again(self):
         """A second launch, which asks the running Mosswick to bring the shelf up and exits."""
         self.desktop.run([mosswick_binary(), "--summon"])
@@ -67,6 +79,12 @@ class Shelf:
     def saved_items(self, until, timeout=10):
         """The items of shelf.json once `until(items)` holds."""
         return self.desktop.wait_json(os.path.join(self.data_folder, "shelf.json"), until=until, timeout=timeout)
+
+
+def active_window(desktop):
+    """_NET_ACTIVE_WINDOW as a window id, or None."""
+    value = desktop.root_property("_NET_ACTIVE_WINDOW")
+    return int(value.split("#")[-1].strip(), 16) if value else None
 
 
 def write_settings(desktop, settings):

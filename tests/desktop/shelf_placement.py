@@ -72,8 +72,7 @@ with Desktop(strut_bottom=40, compositor=True) as d:
     window = shelf.wait_frame(BOTTOM_PANEL["standard", "rightCenter"])
     keeps_out_of_the_taskbar(d, shelf, window, "first shown")
     # The window manager drops the states of a window that is withdrawn: they must come back.
-    d.key("F5")
-    shelf.wait_hidden()
+    shelf.put_away((400, 400))
     shelf.summon_again()
     window = shelf.wait_frame(BOTTOM_PANEL["standard", "rightCenter"])
     keeps_out_of_the_taskbar(d, shelf, window, "shown again")

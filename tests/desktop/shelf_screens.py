@@ -23,16 +23,12 @@ with Desktop(screens=[(1280, 800), (1024, 768)], strut_bottom=40) as d:
     shelf.wait_frame((1078, 474, 196, 320))
     print("ok: summoned with the pointer on the first screen, it stands at that screen's right edge")
 
-    d.key("F5")
-    shelf.wait_hidden()
-    d.move(1700, 400)
+    shelf.put_away((1700, 400))
     shelf.summon_again()
     shelf.wait_frame((2102, 442, 196, 320))
     print("ok: put away and summoned again with the pointer on the second screen, it stands there")
 
-    d.key("F5")
-    shelf.wait_hidden()
-    d.move(300, 700)
+    shelf.put_away((300, 700))
     shelf.summon_again()
     shelf.wait_frame((1078, 474, 196, 320))
     print("ok: and back on the first")
