@@ -6,11 +6,28 @@ namespace mosswick::MimeLinks {
 
 namespace {
 
+// Escapes what a URI may not hold as it is (blanks, controls, bytes past ASCII), leaving existing
+// escapes and the characters that give a URI its structure alone.
+QByteArray escapedLoosely(const QByteArray& text) {
+    static const QByteArray kUnsafe = "\"<>\\^`{|}";
+    QByteArray out;
+    out.reserve(text.size());
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte <= 0x20 || byte >= 0x7F || kUnsafe.contains(c)) {
+            out += '%';
+            out += QByteArray::number(byte, 16).rightJustified(2, '0').toUpper();
+        } else {
+            out += c;
+        }
+    }
+    return out;
+}
+
 std::optional<QUrl> absoluteUrl(const QByteArray& text) {
     const QByteArray trimmed = text.trimmed();
     if (trimmed.isEmpty()) return std::nullopt;
-    // Existing escapes and the characters that give a URL its structure stay as they are.
-    const QUrl url = QUrl::fromEncoded(trimmed.toPercentEncoding(":/?#[]@!$&'()*+,;=%~"), QUrl::TolerantMode);
+    const QUrl url = QUrl::fromEncoded(escapedLoosely(trimmed), QUrl::TolerantMode);
     if (!url.isValid() || url.isRelative()) return std::nullopt;
     return url;
 }
