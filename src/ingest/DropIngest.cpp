@@ -27,6 +27,7 @@ std::vector<ShelfItem> fileItems(const Pasteboard& pasteboard, bool acceptsFileP
     if (objects.size() >= 2) batchID = QUuid::createUuid();
     const bool resolveAliases = services.preferences.resolveAliasFiles();
 
+    TypeByName types;
     std::vector<ShelfItem> items;
     std::vector<FileItems::Staging> staging;
     items.reserve(objects.size());
@@ -37,10 +38,11 @@ std::vector<ShelfItem> fileItems(const Pasteboard& pasteboard, bool acceptsFileP
                 items.push_back(PromisedItems::makeItem(*promise, batchID, onUpdate, services));
             continue;
         }
-        std::optional<std::filesystem::path> file = LocalPath::fromUrl(std::get<QUrl>(object));
+        const QUrl& url = std::get<QUrl>(object);
+        std::optional<std::filesystem::path> file = LocalPath::fromUrl(url);
         if (!file) continue;
         if (resolveAliases) file = AliasFiles::resolve(*file);
-        ShelfItem item = FileItems::makeItem(*file, batchID, services);
+        ShelfItem item = FileItems::makeItem(*file, url, batchID, types, services);
         staging.push_back({item, *file});
         items.push_back(std::move(item));
     }
@@ -64,7 +66,8 @@ std::optional<ShelfItem> makeItem(const QUrl& fileURL, std::optional<QUuid> batc
                                   const IngestServices& services) {
     const std::optional<std::filesystem::path> file = LocalPath::fromUrl(fileURL);
     if (!file) return std::nullopt;
-    ShelfItem item = FileItems::makeItem(*file, batchID, services);
+    TypeByName types;
+    ShelfItem item = FileItems::makeItem(*file, fileURL, batchID, types, services);
     FileItems::stageLater({{item, *file}}, services);
     return item;
 }

@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <QMimeDatabase>
 #include <algorithm>
 #include <memory>
 #include <set>
@@ -30,11 +29,6 @@ struct Outcome {
     bool isDirectory = false;
 };
 
-bool isOnShelf(const ShelfStore& store, const QUuid& id) {
-    const auto& items = store.items();
-    return std::any_of(items.begin(), items.end(), [&](const ShelfItem& item) { return item.id == id; });
-}
-
 // Removed with undo: the copy stays until the removal is forgotten, which deletes it then.
 bool canComeBack(const ShelfStore& store, const QUuid& id) {
     for (const ShelfStore::Batch& batch : store.removalHistory()) {
@@ -44,12 +38,41 @@ bool canComeBack(const ShelfStore& store, const QUuid& id) {
     return false;
 }
 
-void stage(Staging file, const IngestServices& services) {
+// The finished copies of one drop, handed to the store together: a shelf that redraws on every
+// change would otherwise redraw once a file.
+struct Handover {
+    Scheduler& scheduler;
+    ShelfStore& store;
+    std::vector<ShelfItem> ready;
+    ScheduledTask delivery;
+
+    void add(ShelfItem item, const std::shared_ptr<Handover>& self) {
+        ready.push_back(std::move(item));
+        if (delivery.isPending()) return;
+        delivery = scheduler.after(kUpdateInterval, [self] { self->deliver(); });
+    }
+
+    void deliver() {
+        std::set<QUuid> onShelf;
+        for (const ShelfItem& item : store.items()) onShelf.insert(item.id);
+        std::vector<ShelfItem> updates;
+        for (ShelfItem& item : ready) {
+            if (onShelf.count(item.id) != 0) {
+                updates.push_back(std::move(item));
+            } else if (!canComeBack(store, item.id)) {
+                ItemStaging::discard(item.id);
+            }
+        }
+        ready.clear();
+        if (!updates.empty()) store.update(updates);
+    }
+};
+
+void stage(Staging file, const std::shared_ptr<Handover>& handover, Scheduler& scheduler) {
     auto outcome = std::make_shared<Outcome>();
     const QUuid id = file.item.id;
     const std::filesystem::path source = file.source;
-    ShelfStore& store = services.store;
-    services.scheduler.background(
+    scheduler.background(
         [outcome, source, id] {
             const auto staged = ItemStaging::stage(source, id);
             if (const auto* copy = std::get_if<std::filesystem::path>(&staged)) {
@@ -63,7 +86,7 @@ void stage(Staging file, const IngestServices& services) {
                 outcome->error = std::get<ItemStaging::Failure>(staged).message;
             }
         },
-        [outcome, item = std::move(file.item), source, &store] {
+        [outcome, item = std::move(file.item), source, handover]() mutable {
             if (!outcome->copy) {
                 qCWarning(lcIngest).noquote()
                     << "Could not keep a copy of" << logName(source) << "(" << outcome->error.c_str()
@@ -71,22 +94,17 @@ void stage(Staging file, const IngestServices& services) {
                 ItemStaging::discard(item.id);
                 return;
             }
-            if (!isOnShelf(store, item.id)) {
-                if (!canComeBack(store, item.id)) ItemStaging::discard(item.id);
-                return;
-            }
-            ShelfItem staged = item;
-            staged.stagedURL = LocalPath::toUrl(*outcome->copy, outcome->isDirectory);
-            staged.byteSize = outcome->deepSize;
-            staged.contentTypeIdentifier = outcome->contentType;
-            store.update(staged);
+            item.stagedURL = LocalPath::toUrl(*outcome->copy, outcome->isDirectory);
+            item.byteSize = outcome->deepSize;
+            item.contentTypeIdentifier = outcome->contentType;
+            handover->add(std::move(item), handover);
         });
 }
 
 }  // namespace
 
-ShelfItem makeItem(const std::filesystem::path& file, std::optional<QUuid> batchID,
-                   const IngestServices& services) {
+ShelfItem makeItem(const std::filesystem::path& file, const std::optional<QUrl>& droppedURL,
+                   std::optional<QUuid> batchID, TypeByName& types, const IngestServices& services) {
     struct stat info {};
     const bool exists = ::stat(file.c_str(), &info) == 0;
     const bool isDirectory = exists && S_ISDIR(info.st_mode);
@@ -94,7 +112,9 @@ ShelfItem makeItem(const std::filesystem::path& file, std::optional<QUuid> batch
     ShelfItem item;
     item.id = QUuid::createUuid();
     item.displayName = LocalPath::displayName(file);
-    item.originURL = LocalPath::toUrl(file, isDirectory);
+    // A folder's URL ends in "/", which drops often leave out.
+    const bool sameFile = droppedURL && !isDirectory && LocalPath::fromUrl(*droppedURL) == file;
+    item.originURL = sameFile ? *droppedURL : LocalPath::toUrl(file, isDirectory);
     item.originBookmark = FileBookmark::create(file);
     if (!exists) {
         item.contentTypeIdentifier = QString::fromLatin1(ShelfItem::kGenericContentType);
@@ -103,9 +123,7 @@ ShelfItem makeItem(const std::filesystem::path& file, std::optional<QUuid> batch
     } else if (!S_ISREG(info.st_mode)) {
         item.contentTypeIdentifier = ItemStaging::contentType(file);  // devices and pipes are never read
     } else {
-        const QMimeType type =
-            QMimeDatabase().mimeTypeForFile(LocalPath::displayName(file), QMimeDatabase::MatchExtension);
-        if (type.isValid()) item.contentTypeIdentifier = type.name();
+        item.contentTypeIdentifier = types.of(file);
     }
     item.byteSize = ItemStaging::fileSize(file);
     item.addedAt = Timestamp::fromDateTime(services.now());
@@ -115,13 +133,15 @@ ShelfItem makeItem(const std::filesystem::path& file, std::optional<QUuid> batch
 
 void stageLater(std::vector<Staging> files, const IngestServices& services) {
     if (files.empty()) return;
+    Scheduler& scheduler = services.scheduler;
+    auto handover = std::make_shared<Handover>(Handover{scheduler, services.store, {}, {}});
     // The timer holds its own handle: dropping a handle cancels the work.
     auto handle = std::make_shared<ScheduledTask>();
-    *handle = services.scheduler.after(0, [handle, files = std::move(files), services]() mutable {
+    *handle = scheduler.after(0, [handle, handover, files = std::move(files), &scheduler]() mutable {
         std::set<QUuid> onShelf;
-        for (const ShelfItem& item : services.store.items()) onShelf.insert(item.id);
+        for (const ShelfItem& item : handover->store.items()) onShelf.insert(item.id);
         for (Staging& file : files) {
-            if (onShelf.count(file.item.id) != 0) stage(std::move(file), services);
+            if (onShelf.count(file.item.id) != 0) stage(std::move(file), handover, scheduler);
         }
     });
 }

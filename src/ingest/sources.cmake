@@ -6,6 +6,7 @@ set(MOSSWICK_INGEST_SOURCES
   DroppedFileNames.h DroppedFileNames.cpp
   DesktopLinkFile.h DesktopLinkFile.cpp
   AliasFiles.h AliasFiles.cpp
+  TypeByName.h TypeByName.cpp
   FileItems.h FileItems.cpp
   PromisedItems.h PromisedItems.cpp
   PromiseFolder.h PromiseFolder.cpp

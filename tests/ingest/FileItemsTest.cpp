@@ -139,6 +139,7 @@ TEST_F(FileItemsTest, ACopyFinishedAfterItsItemLeftForGoodIsDeleted) {
     store.remove({forgotten.id}, false);
     store.remove({undoable.id}, true);
     clock.runBackgroundWork();
+    finishBackgroundWork();
 
     EXPECT_FALSE(fs::exists(ItemStaging::itemFolder(forgotten.id)));
     EXPECT_TRUE(fs::exists(ItemStaging::itemFolder(undoable.id))) << "it can still come back";

@@ -53,18 +53,20 @@ std::vector<Pasteboard::Object> QMimeDataPasteboard::objects(Kinds kinds) const 
         if (std::shared_ptr<FilePromise> promise = promises_(data_)) return {promise};
     }
     std::vector<Object> objects;
-    std::vector<QUrl> seen;
-    const auto take = [&](const QUrl& url) {
-        const Kind kind = url.isLocalFile() ? Kind::fileURL : Kind::webURL;
-        if (!kinds.testFlag(kind) || std::find(seen.begin(), seen.end(), url) != seen.end()) return;
-        seen.push_back(url);
-        objects.emplace_back(url);
-    };
-    for (const QUrl& url : listedUrls()) take(url);
-    // Browsers offer links only in these.
+    const std::vector<QUrl> listed = listedUrls();
+    objects.reserve(listed.size());
+    for (const QUrl& url : listed) {
+        if (kinds.testFlag(url.isLocalFile() ? Kind::fileURL : Kind::webURL)) objects.emplace_back(url);
+    }
+    // Browsers offer links only in these; the same link may be in the list already.
     if (kinds.testFlag(Kind::webURL)) {
-        if (auto link = MimeLinks::mozUrl(read(kMozUrl))) take(link->url);
-        if (auto link = MimeLinks::netscapeUrl(read(kNetscapeUrl))) take(link->url);
+        for (const auto& link :
+             {MimeLinks::mozUrl(read(kMozUrl)), MimeLinks::netscapeUrl(read(kNetscapeUrl))}) {
+            if (!link || link->url.isLocalFile()) continue;
+            if (std::find(listed.begin(), listed.end(), link->url) != listed.end()) continue;
+            if (std::find(objects.begin(), objects.end(), Object(link->url)) != objects.end()) continue;
+            objects.emplace_back(link->url);
+        }
     }
     return objects;
 }

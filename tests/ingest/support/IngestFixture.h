@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "ingest/DropIngest.h"
+#include "ingest/FileItems.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
@@ -47,8 +48,8 @@ class IngestTest : public ::testing::Test {
 protected:
     // Puts the pasteboard's items on the shelf, as a drop does.
     std::vector<ShelfItem> drop(const Pasteboard& pasteboard, bool acceptsFilePromises = true);
-    // Runs the background copies and measurements to their end.
-    void finishBackgroundWork() { clock.drain(); }
+    // Runs the background copies and measurements to their end, and hands them over.
+    void finishBackgroundWork() { clock.advance(FileItems::kUpdateInterval); }
 
     const ShelfItem* onShelf(const QUuid& id) const;
     static std::filesystem::path itemFile(const ShelfItem& item);
