@@ -87,7 +87,7 @@ ShelfItem makeItem(const std::shared_ptr<FilePromise>& promise, std::optional<QU
                              arrived(placeholder, *delivery.file, onUpdate, scheduler);
                              return;
                          }
-                         qCInfo(lcIngest) << "The drag source did not deliver" << placeholder.displayName
+                         qCWarning(lcIngest) << "The drag source did not deliver" << placeholder.displayName
                                           << ":" << delivery.problem;
                          store.remove({placeholder.id}, false);
                      });

@@ -69,6 +69,8 @@ TEST_F(PromisedItemsTest, AFailedPromiseLeavesTheShelfWithoutAWayBack) {
     EXPECT_FALSE(onShelf(placeholder.id));
     EXPECT_TRUE(store.removalHistory().empty());
     EXPECT_FALSE(fs::exists(ItemStaging::itemFolder(placeholder.id)));
+    ASSERT_EQ(log.warnings().size(), 1);
+    EXPECT_TRUE(log.warnings()[0].contains(QLatin1String("the source gave up")));
 }
 
 TEST_F(PromisedItemsTest, NamelessPromisesAreCalledIncomingWithTheTypesExtension) {
