@@ -88,7 +88,7 @@ ShelfItem makeItem(const std::shared_ptr<FilePromise>& promise, std::optional<QU
                              return;
                          }
                          qCWarning(lcIngest) << "The drag source did not deliver" << placeholder.displayName
-                                          << ":" << delivery.problem;
+                                             << ":" << delivery.problem;
                          store.remove({placeholder.id}, false);
                      });
     return placeholder;
