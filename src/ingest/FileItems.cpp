@@ -76,9 +76,9 @@ void stage(Staging file, const std::shared_ptr<Handover>& handover, Scheduler& s
         [outcome, source, id] {
             const auto staged = ItemStaging::stage(source, id);
             if (const auto* copy = std::get_if<std::filesystem::path>(&staged)) {
+                // Measured on the copy, which is the original's twin: the original may be gone by now.
                 outcome->copy = *copy;
-                outcome->deepSize = ItemStaging::deepFileSize(source);
-                // The copy, not the original: the original may already be gone.
+                outcome->deepSize = ItemStaging::deepFileSize(*copy);
                 outcome->contentType = ItemStaging::contentType(*copy);
                 struct stat info {};
                 outcome->isDirectory = ::stat(copy->c_str(), &info) == 0 && S_ISDIR(info.st_mode);

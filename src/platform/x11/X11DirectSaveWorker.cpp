@@ -202,8 +202,9 @@ QByteArray X11DirectSaveWorker::takeProperty(quint32 window, quint32 property, q
         nullptr);
     if (type) *type = reply ? reply->type : quint32(XCB_ATOM_NONE);
     if (!reply) return {};
+    // The length is in bytes already, whatever the format.
     QByteArray value(static_cast<const char*>(xcb_get_property_value(reply)),
-                     xcb_get_property_value_length(reply) * (reply->format / 8));
+                     xcb_get_property_value_length(reply));
     std::free(reply);
     return value;
 }
