@@ -1,0 +1,67 @@
+#include "ingest/ClipboardImport.h"
+
+#include "ingest/DropIngest.h"
+#include "ingest/Pasteboard.h"
+#include "model/ShelfStore.h"
+
+namespace mosswick::ClipboardImport {
+
+namespace {
+
+QString normalised(const QString& type) {
+    QString compact = type.toLower();
+    compact.remove(QLatin1Char(' '));
+    return compact;
+}
+
+}  // namespace
+
+const std::vector<InterestingType>& interestingTypes() {
+    static const std::vector<InterestingType> types = {
+        {"file URLs", {QStringLiteral("text/uri-list"), QStringLiteral("x-special/gnome-copied-files")}},
+        {"URL", {QStringLiteral("text/x-moz-url"), QStringLiteral("_NETSCAPE_URL")}},
+        {"PNG", {QStringLiteral("image/png")}},
+        {"TIFF", {QStringLiteral("image/tiff")}},
+        {"PDF", {QStringLiteral("application/pdf")}},
+        {"rich text",
+         {QStringLiteral("text/rtf"), QStringLiteral("application/rtf"), QStringLiteral("text/html")}},
+        {"plain text",
+         {QStringLiteral("text/plain"), QStringLiteral("text/plain;charset=utf-8"),
+          QStringLiteral("UTF8_STRING"), QStringLiteral("STRING"), QStringLiteral("TEXT")}},
+    };
+    return types;
+}
+
+bool clipboardHasSomethingToAdd(const Pasteboard& clipboard) {
+    static const QStringList names = [] {
+        QStringList all;
+        for (const InterestingType& type : interestingTypes()) {
+            for (const QString& name : type.names) all << normalised(name);
+        }
+        return all;
+    }();
+    for (const QString& offered : clipboard.types()) {
+        if (names.contains(normalised(offered))) return true;
+    }
+    return false;
+}
+
+bool addContentsOfClipboard(const Services& services) {
+    const std::unique_ptr<Pasteboard> clipboard = services.clipboard ? services.clipboard() : nullptr;
+    if (!clipboard || !clipboardHasSomethingToAdd(*clipboard)) {
+        if (services.beep) services.beep();
+        return false;
+    }
+    ShelfStore& store = services.ingest.store;
+    std::vector<ShelfItem> items = DropIngest::items(
+        *clipboard, false, [&store](const ShelfItem& item) { store.update(item); }, services.ingest);
+    if (items.empty()) {
+        if (services.beep) services.beep();
+        return false;
+    }
+    store.add(std::move(items));
+    if (services.summonShelf) services.summonShelf();
+    return true;
+}
+
+}  // namespace mosswick::ClipboardImport
