@@ -11,6 +11,7 @@ import zlib
 
 from desktop import DesktopError, mosswick_binary
 
+
 class Shelf:
     """A running Mosswick and its shelf window."""
 
@@ -54,8 +55,8 @@ class Shelf:
         to `pointer_to` (a shelf under the pointer lingers), presses Escape and waits until the
         shelf is gone."""
         window = self.window()
-        x, y, width, height_ = self.desktop.window_geometry(window)
-        self.desktop.click(x + width // 2, y + height_ - 12)
+        x, y, width, h = self.desktop.window_geometry(window)
+        self.desktop.click(x + width // 2, y + h - 12)
         self.desktop.wait_for(lambda: active_window(self.desktop) == window, 3, "the clicked shelf to take the focus")
         self.desktop.move(*pointer_to)
         self.desktop.key("Escape")
@@ -116,8 +117,8 @@ def read_bytes(path):
 
 def pixels(desktop, rect):
     """The screen's pixels in `rect` (x, y, width, height) as rows of (r, g, b)."""
-    x, y, width, height_ = rect
-    done = subprocess.run(["import", "-window", "root", "-crop", f"{width}x{height_}+{x}+{y}", "+repage",
+    x, y, width, h = rect
+    done = subprocess.run(["import", "-window", "root", "-crop", f"{width}x{h}+{x}+{y}", "+repage",
                            "-depth", "8", "ppm:-"], env=desktop.env, capture_output=True, timeout=30, check=True)
     data = done.stdout
     # "P6\nW H\n255\n" then the samples.

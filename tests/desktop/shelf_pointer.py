@@ -49,8 +49,8 @@ def pointer(d):
 
 
 def let_go_on_the_desktop(d, source, at):
-    """Moves the held drag to a point where nothing takes drops, releases it, and waits for the
-    source to hear that nothing took it."""
+    """Moves the held drag to a point where nothing takes drops, releases it, and waits until the
+    source has finished."""
     here = pointer(d)
     travel(d, at[0] - here[0], at[1] - here[1], 4)
     d.xdotool("sleep", 0.2, "mouseup", 1)
@@ -86,7 +86,6 @@ with Desktop(strut_bottom=40) as d:
 
     let_go_on_the_desktop(d, source, (700, 500))
     shelf.wait_hidden()
-    assert not accent_like(pixel(d, *edge))
     print("ok: let go elsewhere, the shelf goes")
 
     # No room to the right of the pointer: it opens on the left.
