@@ -5,7 +5,7 @@ elsewhere it goes. Summoned, it does not take the focus, but once clicked, Escap
 Each drag stops just past the drag distance (the press point + (15, 5)) until the shelf is up, so
 the pointer's place at the moment the drag was seen is known exactly. Frames are worked out by
 hand for a 1280x800 screen with a 40 px panel at the bottom (work area 0,0 1280x760), standard
-size (320 px tall). The design measures the pointer at the centre of its pixel (+0.5), so the
+size (320 px tall). Mosswick takes the pointer at the centre of its pixel (+0.5), so the
 expected frames allow 1 px:
 - pointer at (215, 180): room on its right, x = 215 + 24 = 239(.5), y = 180 - 160 = 20(.5).
 - pointer at (1115, 380): no room on its right (1115 + 24 + 196 > 1280), x = 1115 - 196 - 24
