@@ -2,19 +2,10 @@
 
 #include "ingest/DropIngest.h"
 #include "ingest/Pasteboard.h"
+#include "ingest/TypeNameSet.h"
 #include "model/ShelfStore.h"
 
 namespace mosswick::ClipboardImport {
-
-namespace {
-
-QString normalised(const QString& type) {
-    QString compact = type.toLower();
-    compact.remove(QLatin1Char(' '));
-    return compact;
-}
-
-}  // namespace
 
 const std::vector<InterestingType>& interestingTypes() {
     static const std::vector<InterestingType> types = {
@@ -33,17 +24,12 @@ const std::vector<InterestingType>& interestingTypes() {
 }
 
 bool clipboardHasSomethingToAdd(const Pasteboard& clipboard) {
-    static const QStringList names = [] {
+    static const TypeNameSet names = [] {
         QStringList all;
-        for (const InterestingType& type : interestingTypes()) {
-            for (const QString& name : type.names) all << normalised(name);
-        }
-        return all;
+        for (const InterestingType& type : interestingTypes()) all << type.names;
+        return TypeNameSet(all);
     }();
-    for (const QString& offered : clipboard.types()) {
-        if (names.contains(normalised(offered))) return true;
-    }
-    return false;
+    return names.containsAnyOf(clipboard.types());
 }
 
 bool addContentsOfClipboard(const Services& services) {

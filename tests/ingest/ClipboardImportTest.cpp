@@ -1,6 +1,5 @@
 // Adding the clipboard's contents: what is added, and when the beep is all there is.
 #include "ingest/ClipboardImport.h"
-#include "support/FakeFilePromise.h"
 #include "support/IngestFixture.h"
 
 namespace mosswick {
@@ -70,15 +69,6 @@ TEST_F(ClipboardImportTest, TypesAreRecognisedWhateverTheirSpelling) {
 
     clipboard.offeredTypes = {QStringLiteral("application/x-something-else")};
     EXPECT_FALSE(ClipboardImport::clipboardHasSomethingToAdd(clipboard));
-}
-
-TEST_F(ClipboardImportTest, PromisedFilesOnTheClipboardAreNotTaken) {
-    clipboard.offeredTypes = {QStringLiteral("text/plain")};
-    auto promise = std::make_shared<testing::FakeFilePromise>(QStringList{}, std::vector<QByteArray>{"x"});
-    clipboard.withPromise(promise).withText(QStringLiteral("the text"));
-    EXPECT_TRUE(import());
-    EXPECT_FALSE(promise->wasAsked());
-    EXPECT_EQ(store.items()[0].displayName, QStringLiteral("the text.txt"));
 }
 
 }  // namespace
