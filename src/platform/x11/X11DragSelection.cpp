@@ -55,9 +55,11 @@ bool X11DragSelection::handleEvent(XEvent& event) {
     }
     if (event.type == SelectionNotify && event.xselection.requestor == window_) {
         const XSelectionEvent& reply = event.xselection;
-        // An answer for an older change, or for a target no longer asked for.
-        if (reply.selection == selection_ && reply.time == changeTime_ && reply.target == pendingTarget_)
-            replied(reply.target, reply.property);
+        // Qt's refusals name no target; one conversion is under way at a time, so such an answer
+        // is the pending one's. Anything else is for an older change or a target no longer asked for.
+        const bool forPending = reply.target == pendingTarget_ || (reply.target == None && pendingTarget_);
+        if (reply.selection == selection_ && reply.time == changeTime_ && forPending)
+            replied(pendingTarget_, reply.property);
         return true;
     }
     if (event.type == PropertyNotify && event.xproperty.window == window_) {

@@ -42,6 +42,8 @@ void FakeDragSource::pump() {
         reply.target = request.target;
         reply.time = request.time;
         reply.property = None;
+        // Qt names no target in a refusal; GTK repeats the one asked for.
+        if (style_ == Style::refusesTargets) reply.target = None;
         if (target == QLatin1String("TARGETS") && style_ == Style::answersTargets) {
             std::vector<Atom> atoms;
             for (const QString& type : offered_)
@@ -56,6 +58,7 @@ void FakeDragSource::pump() {
                             reinterpret_cast<const unsigned char*>(data.constData()),
                             static_cast<int>(data.size()));
             reply.property = request.property;
+            reply.target = request.target;
         }
         XSendEvent(display_, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
         XFlush(display_);
