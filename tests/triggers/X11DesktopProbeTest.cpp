@@ -81,6 +81,29 @@ TEST_F(X11DesktopProbeTest, SeesTheLeftButtonAndMotionOnlyWhileItIsDown) {
     EXPECT_TRUE(events.empty());
 }
 
+// A drag source grabs the pointer for the whole drag: the motion and the release that ends the
+// drag must still arrive, or the end is only found by polling.
+TEST_F(X11DesktopProbeTest, SeesMotionAndReleaseWhileAnotherClientGrabsThePointer) {
+    watch();
+    Display* source = XOpenDisplay(server.displayName().constData());
+    ASSERT_TRUE(source);
+    const Window window = XCreateSimpleWindow(source, DefaultRootWindow(source), 0, 0, 400, 400, 0, 0, 0);
+    XMapWindow(source, window);
+    XSync(source, False);
+    ASSERT_TRUE(mouse({QStringLiteral("mousedown"), QStringLiteral("1")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseDown); }));
+    EXPECT_EQ(XGrabPointer(source, window, False, ButtonReleaseMask | PointerMotionMask, GrabModeAsync,
+                           GrabModeAsync, None, None, CurrentTime),
+              GrabSuccess);
+    XSync(source, False);
+
+    ASSERT_TRUE(mouse({QStringLiteral("mousemove_relative"), QStringLiteral("40"), QStringLiteral("5")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseDragged); }, 2000));
+    ASSERT_TRUE(mouse({QStringLiteral("mouseup"), QStringLiteral("1")}));
+    EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseUp); }, 2000));
+    XCloseDisplay(source);
+}
+
 TEST_F(X11DesktopProbeTest, ShiftIsReadFromTheServer) {
     ASSERT_TRUE(mouse({QStringLiteral("keydown"), QStringLiteral("shift")}));
     EXPECT_TRUE(probe->isShiftDown());

@@ -14,8 +14,10 @@ std::unique_ptr<X11DesktopProbe> X11DesktopProbe::create(X11Connection& connecti
     int opcode = 0;
     int eventBase = 0;
     int errorBase = 0;
+    // Raw events reach a client that is not the grabbing one only from version 2.1 on, and a drag
+    // source holds the pointer grabbed from the press to the release.
     int major = 2;
-    int minor = 0;
+    int minor = 2;
     if (!XQueryExtension(display, "XInputExtension", &opcode, &eventBase, &errorBase) ||
         XIQueryVersion(display, &major, &minor) != Success)
         return nullptr;
