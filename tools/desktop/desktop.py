@@ -106,6 +106,30 @@ def _children(pid):
     return found
 
 
+# A /tmp of its own for a program, keeping the X sockets and the desktop's temporary folder ($1)
+# at their places; then runs the rest of the arguments.
+_PRIVATE_TMP = """set -e
+mount --bind /tmp /mnt
+mount -t tmpfs tmpfs /tmp
+mkdir -p /tmp/.X11-unix "$1"
+mount --bind /mnt/.X11-unix /tmp/.X11-unix
+case "$1" in /tmp/*) mount --bind "/mnt/${1#/tmp/}" "$1" ;; esac
+shift
+exec "$@"
+"""
+
+_private_tmp = None
+
+
+def _private_tmp_allowed():
+    """Whether this process may give a child a mount namespace of its own (root may)."""
+    global _private_tmp
+    if _private_tmp is None:
+        _private_tmp = shutil.which("unshare") is not None and subprocess.run(
+            ["unshare", "--mount", "--propagation", "private", "true"], capture_output=True).returncode == 0
+    return _private_tmp
+
+
 def _xarchiver_running():
     """Whether some xarchiver listens on its single-instance socket (read from /proc, without
     touching it)."""
@@ -419,13 +443,17 @@ class Desktop:
         source, and waits until it has listed the archive.
 
         xarchiver runs once per user on the whole machine, whatever the display: a second one
-        hands its archive to the first (on that one's display) and quits. So the test is skipped
-        while another xarchiver runs, and tests that use it take the CTest resource lock
-        "xarchiver"."""
-        if _xarchiver_running():
-            skip("another xarchiver of this user is running; it would take the archive instead")
+        hands its archive to the first (through /tmp/.xarchiver-socket…, to that one's display)
+        and quits. So it runs with a /tmp of its own (a private mount namespace) where that is
+        allowed; where it is not, the test is skipped while another xarchiver runs."""
         archive = self.make_zip(files)
-        program = self.start(["xarchiver", archive], name="xarchiver")
+        argv = ["xarchiver", archive]
+        if _private_tmp_allowed():
+            argv = ["unshare", "--mount", "--propagation", "private", "sh", "-c", _PRIVATE_TMP, "sh",
+                    self.temp, *argv]
+        elif _xarchiver_running():
+            skip("another xarchiver of this user is running; it would take the archive instead")
+        program = self.start(argv, name="xarchiver")
         window = self.wait_mapped(program, timeout)
         title = os.path.basename(archive)
         # It lists the archive by running unzip: done once the title names it and no helper runs.

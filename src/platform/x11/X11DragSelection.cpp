@@ -55,10 +55,12 @@ bool X11DragSelection::handleEvent(XEvent& event) {
     }
     if (event.type == SelectionNotify && event.xselection.requestor == window_) {
         const XSelectionEvent& reply = event.xselection;
-        // Qt's refusals name no target; one conversion is under way at a time, so such an answer
-        // is the pending one's. Anything else is for an older change or a target no longer asked for.
-        const bool forPending = reply.target == pendingTarget_ || (reply.target == None && pendingTarget_);
-        if (reply.selection == selection_ && reply.time == changeTime_ && forPending)
+        // An answer for an older change, or for a target no longer asked for, is ignored. Qt's
+        // sources refuse with no target named (GTK's name the one asked for), so a refusal at the
+        // change's time counts as the answer to whatever is pending.
+        const bool refusal = reply.property == None && reply.target == None;
+        if (reply.selection == selection_ && reply.time == changeTime_ && pendingTarget_ != 0 &&
+            (reply.target == pendingTarget_ || refusal))
             replied(pendingTarget_, reply.property);
         return true;
     }

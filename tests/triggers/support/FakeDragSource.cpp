@@ -42,8 +42,6 @@ void FakeDragSource::pump() {
         reply.target = request.target;
         reply.time = request.time;
         reply.property = None;
-        // Qt names no target in a refusal; GTK repeats the one asked for.
-        if (style_ == Style::refusesTargets) reply.target = None;
         if (target == QLatin1String("TARGETS") && style_ == Style::answersTargets) {
             std::vector<Atom> atoms;
             for (const QString& type : offered_)
@@ -58,8 +56,9 @@ void FakeDragSource::pump() {
                             reinterpret_cast<const unsigned char*>(data.constData()),
                             static_cast<int>(data.size()));
             reply.property = request.property;
-            reply.target = request.target;
         }
+        // Qt's sources name no target in a refusal, GTK's repeat the one asked for.
+        if (reply.property == None && style_ == Style::refusesTargets) reply.target = None;
         XSendEvent(display_, request.requestor, False, NoEventMask, reinterpret_cast<XEvent*>(&reply));
         XFlush(display_);
     }
