@@ -3,6 +3,7 @@ settings of the test's choosing, and the peer's watcher recording every drag sta
 time the shelf's window comes or goes, with monotonic times (so a shelf that flashes up for a
 few milliseconds, or comes twice, is seen as surely as one that stays)."""
 
+import glob
 import json
 import os
 import subprocess
@@ -120,3 +121,20 @@ def start_mosswick(desktop, *args):
 def shelf_window(desktop, app):
     """The shelf's client window id (Mosswick's only visible top-level window)."""
     return desktop.wait_mapped(app)
+
+
+def wakeups(program, seconds):
+    """How often the program's threads went to sleep and woke again over `seconds` (voluntary
+    context switches): an idle Mosswick has no timer running and no reason to wake at all."""
+    def count():
+        total = 0
+        for status in glob.glob(f"/proc/{program.pid}/task/*/status"):
+            try:
+                with open(status) as f:
+                    total += sum(int(line.split()[1]) for line in f if line.startswith("voluntary_ctxt_switches"))
+            except OSError:
+                pass  # a thread that ended meanwhile
+        return total
+    before = count()
+    time.sleep(seconds)
+    return count() - before

@@ -9,7 +9,7 @@ import time
 
 from desktop import Desktop, skip_unless_available
 from peers import make_files
-from shelf_watch import Drag, ShelfWatch, start_mosswick, write_settings
+from shelf_watch import Drag, ShelfWatch, start_mosswick, wakeups, write_settings
 
 skip_unless_available(mosswick=True)
 
@@ -119,6 +119,10 @@ with Desktop(screens=[SCREEN]) as d:
     assert_stays_away(d, watch, "an ignored program", IGNORED_SOURCE[1], EMPTY_SPOT)
     print("ok: a drag from an ignored program")
     d.screenshot("drag-starts")
+    # Between drags the pointer is not polled: after all of those, nothing wakes Mosswick.
+    woke = wakeups(app, 1.0)
+    assert woke <= 2, f"Mosswick woke {woke} times in an idle second after the drags"
+    print(f"ok: idle after the drags ({woke} wakeups in a second)")
 
     # At the pointer: the shelf opens beside the pointer where the drag began, and in place.
     app.stop()
