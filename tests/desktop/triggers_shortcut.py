@@ -35,7 +35,7 @@ def saved_names(d):
 
 def tap(d, watch, kind):
     """Taps F5 and waits for the shelf to `kind` ("map" or "unmap"); returns the seconds from the
-    release to it."""
+    release (taken as xdotool's exit, a little after the key went up) to it."""
     since = time.monotonic()
     d.key("F5")
     released = time.monotonic()
@@ -58,9 +58,9 @@ with Desktop() as d:
     assert watch.shelf() == [], watch.shelf()
 
     after = tap(d, watch, "map")
-    assert DOUBLE_PRESS_WINDOW <= after < 1.0, f"a tap showed the shelf {after:.3f} s after the release"
+    assert DOUBLE_PRESS_WINDOW - 0.05 <= after < 1.0, f"a tap showed the shelf {after:.3f} s after the release"
     after = tap(d, watch, "unmap")
-    assert DOUBLE_PRESS_WINDOW <= after < 1.0, f"a tap hid the shelf {after:.3f} s after the release"
+    assert DOUBLE_PRESS_WINDOW - 0.05 <= after < 1.0, f"a tap hid the shelf {after:.3f} s after the release"
     print("ok: a tap of F5 brings the shelf up, the next takes it away, each once the double press is out")
 
     # Clear it through its toolbar, then hold the key: the files come back and the shelf with them.
@@ -73,13 +73,10 @@ with Desktop() as d:
     pressed = time.monotonic()
     d.key_down("F5")
     try:
-        shown = watch.wait("map", pressed)
-        held = time.monotonic()
+        shown = watch.wait("map", pressed)  # while the key is still down
     finally:
         d.key_up("F5")
-    released = time.monotonic()
-    assert LONG_PRESS <= shown - pressed and shown < held, \
-        f"the shelf came {shown - pressed:.3f} s after the press"
+    assert LONG_PRESS <= shown - pressed < LONG_PRESS + 0.5, f"the shelf came {shown - pressed:.3f} s after the press"
     d.wait_for(lambda: saved_names(d) == ["kept one.txt", "kept two.txt"], 5, "the cleared files to come back")
     time.sleep(DOUBLE_PRESS_WINDOW + 0.2)  # the release of a hold is no tap: nothing may follow
     assert [e["event"] for e in watch.shelf(pressed)] == ["map"], watch.shelf(pressed)
