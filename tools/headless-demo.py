@@ -45,7 +45,7 @@ try:
         picture = os.path.join(d.temp, "Holiday photo.png")
         make_png(picture, 320, 200)
         x, y, w, h = SOURCE
-        source = d.start_peer("drag", "--file", picture, "--label", "Another program: drag me",
+        source = d.start_peer("drag", "--file", picture, "--stay", "--label", "Another program: drag me",
                               "--geometry", f"{x},{y},{w},{h}")
         d.wait_mapped(source)
         step(d, "another-program", "another program shows a file to drag")
@@ -64,6 +64,7 @@ try:
             step(d, "not-dropped", "the drop did not reach the shelf (see mosswick-1.log)")
             raise
 
+        d.move(640, 400)  # a pointer resting on the shelf keeps it up
         since = time.monotonic()
         d.key("F5")
         watch.wait("unmap", since)

@@ -1,15 +1,15 @@
 """What a drag elsewhere on the desktop does to the shelf, under each show trigger: a drag of
 files from another program brings it up (at its edge, at the pointer, or only once the pointer
 reaches the screen edge); moving a window, press-moving over a plain window, a drag of text alone,
-Shift held and an ignored program do not; and a drag that ends with nothing dropped takes it
-away 0.3 s later."""
+Shift held and an ignored program do not; a drag that ends with nothing dropped takes it away
+0.3 s later, and one that dropped files on it leaves it up."""
 
 import os
 import time
 
 from desktop import Desktop, skip_unless_available
 from peers import make_files
-from shelf_watch import Drag, ShelfWatch, start_mosswick, wakeups, write_settings
+from shelf_watch import Drag, ShelfWatch, saved_items, start_mosswick, wakeups, write_settings
 
 skip_unless_available(mosswick=True)
 
@@ -149,3 +149,16 @@ with Desktop(screens=[SCREEN]) as d:
     done, shown, _ = assert_comes_and_goes(d, watch, "6 px from the edge", FILES_SOURCE[1], (SCREEN[0] - 6, 300))
     assert shown - done.started > 1.0, "the shelf came before the pointer reached the edge"
     print("ok: under dragToScreenEdge only a drag that reaches within 6 px of the edge brings the shelf")
+
+    # Dropped on the shelf: it holds the files and stays, with the pointer gone from it too.
+    app.stop()
+    write_settings(d)
+    app = start_mosswick(d)
+    done = Drag(d, FILES_SOURCE[1], (SCREEN[0] - EDGE_INSET - 98, SCREEN[1] - EDGE_INSET - 72)).finish()
+    d.wait_for(lambda: len(saved_items(d)) == 2, 5, "the dropped files to be saved on the shelf")
+    d.move(640, 300)  # a pointer resting on the shelf would keep it up by itself
+    time.sleep(1.0)
+    assert [e["event"] for e in watch.shelf(done.started)] == ["map"], watch.shelf(done.started)
+    assert sorted(item["displayName"] for item in saved_items(d)) == ["notes.txt", "report.txt"], saved_items(d)
+    d.screenshot("dropped")
+    print("ok: a drag that dropped files on the shelf leaves it up, holding them")
