@@ -9,6 +9,8 @@ packages=(
   cmake g++ make pkg-config ninja-build clang libclang-rt-14-dev clang-format
   # Qt 6 (Core, Gui, Widgets, DBus, Network) and the xcb platform plugin
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
+  # TIFF images on the clipboard and in drops
+  qt6-image-formats-plugins
   # X11 backends
   libx11-dev libx11-xcb-dev libxcb1-dev libxfixes-dev libxi-dev libxkbcommon-dev libxkbcommon-x11-dev
   # update signatures

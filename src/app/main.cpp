@@ -1,6 +1,7 @@
 // Mosswick's entry point: builds the platform backends for this session, the long-lived
 // components over them, and hands them to the application delegate.
 #include <QApplication>
+#include <QClipboard>
 #include <QCommandLineParser>
 #include <QDBusConnection>
 #include <QScreen>
@@ -8,6 +9,7 @@
 #include <cstdio>
 
 #include "app/AppDelegate.h"
+#include "ingest/ClipboardImport.h"
 #include "interaction/ReducedMotion.h"
 #include "interaction/ShelfPalette.h"
 #include "model/AppFiles.h"
@@ -16,12 +18,15 @@
 #include "model/ShelfStore.h"
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
+#include "platform/qt/QClipboardPasteboard.h"
+#include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/UnixSignalQuit.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
+#include "platform/x11/X11DirectSaveReceiver.h"
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/XkbKeyboardLayout.h"
 #include "shelf/DragMonitor.h"
@@ -30,6 +35,7 @@
 #include "shelf/HotKeyManager.h"
 #include "shelf/QtShelfPanelSurface.h"
 #include "shelf/ShelfContentView.h"
+#include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanel.h"
 #include "shelf/ShelfWindowController.h"
 
@@ -122,7 +128,16 @@ int main(int argc, char** argv) {
     QtDisplayEnvironment displays;
     DesktopAnimationSetting desktopMotion(QDBusConnection::sessionBus(),
                                           DesktopAnimationSetting::defaultKdeGlobals());
-    ShelfDropHandler* dropHandler = nullptr;
+    // Drops are read through Qt; files they promise are received over X Direct Save on X11.
+    std::unique_ptr<X11DirectSaveReceiver> directSave;
+    if (QGuiApplication::platformName() == QLatin1String("xcb")) directSave = X11DirectSaveReceiver::create();
+    QMimeDataPasteboard::PromiseFactory promises;
+    if (directSave) promises = [&directSave](const QMimeData& data) { return directSave->promiseFor(data); };
+    const IngestServices ingest{scheduler, preferences, store};
+    ShelfDropIngestHandler dropIngest(
+        [promises](const QMimeData& data) { return std::make_unique<QMimeDataPasteboard>(data, promises); },
+        ingest);
+    ShelfDropHandler* dropHandler = &dropIngest;
     ShelfWindowController controller({preferences, store, scheduler, displays, desktopMotion,
                                       [&](const ScreenRect&) -> std::unique_ptr<ShelfPanelSurface> {
                                           auto* panel = new ShelfPanel(
@@ -139,8 +154,12 @@ int main(int argc, char** argv) {
     HotKeyManager hotKeys(*backends.hotKeys, scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);
 
+    const ClipboardImport::Services clipboardImport{
+        [] { return std::make_unique<QClipboardPasteboard>(*QGuiApplication::clipboard()); },
+        [] { QApplication::beep(); }, [&controller] { controller.summon(); }, ingest};
     AppDelegate delegate({preferences, store, controller, dragMonitor, hotKeys, defaults,
-                          [] { QApplication::beep(); }, applyAppearance});
+                          [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
+                          applyAppearance});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 

@@ -86,6 +86,23 @@ void ShelfStore::update(const ShelfItem& item) {
     scheduleSave();
 }
 
+void ShelfStore::update(const std::vector<ShelfItem>& items) {
+    std::map<QUuid, const ShelfItem*> incoming;
+    for (const ShelfItem& item : items) incoming[item.id] = &item;
+    bool changed = false;
+    for (ShelfItem& stored : items_) {
+        const auto found = incoming.find(stored.id);
+        if (found == incoming.end()) continue;
+        const std::optional<QUuid> batch = stored.batchID;
+        stored = *found->second;
+        stored.batchID = batch;
+        changed = true;
+    }
+    if (!changed) return;
+    emit itemsChanged();
+    scheduleSave();
+}
+
 void ShelfStore::remove(const std::set<QUuid>& ids, bool recordForUndo) {
     if (ids.empty()) return;
     Batch removed;

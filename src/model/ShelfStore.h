@@ -49,6 +49,8 @@ public:
 
     void add(std::vector<ShelfItem> items);
     void update(const ShelfItem& item);
+    // Many updates as one change: one notification and one save for all of them.
+    void update(const std::vector<ShelfItem>& items);
     void remove(const std::set<QUuid>& ids, bool recordForUndo);
     void removeAll();
     void restoreLastRemoved();

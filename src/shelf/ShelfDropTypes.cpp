@@ -1,16 +1,8 @@
 #include "shelf/ShelfDropTypes.h"
 
+#include "ingest/TypeNameSet.h"
+
 namespace mosswick {
-
-namespace {
-
-QString normalised(const QString& format) {
-    QString compact = format.toLower();
-    compact.remove(QLatin1Char(' '));
-    return compact;
-}
-
-}  // namespace
 
 const QStringList& ShelfDropTypes::all() {
     static const QStringList types = {
@@ -30,15 +22,8 @@ const QStringList& ShelfDropTypes::all() {
 }
 
 bool ShelfDropTypes::accepts(const QStringList& offeredFormats) {
-    static const QStringList known = [] {
-        QStringList list;
-        for (const QString& type : all()) list << normalised(type);
-        return list;
-    }();
-    for (const QString& format : offeredFormats) {
-        if (known.contains(normalised(format))) return true;
-    }
-    return false;
+    static const TypeNameSet known(all());
+    return known.containsAnyOf(offeredFormats);
 }
 
 }  // namespace mosswick

@@ -36,6 +36,7 @@ list(APPEND MOSSWICK_SHELF_SOURCES
   NoDesktopMotionSetting.h
   ShelfDropHandler.h
   ShelfDropTypes.h ShelfDropTypes.cpp
+  ShelfDropIngestHandler.h ShelfDropIngestHandler.cpp
 )
 # The shelf's window.
 set(MOSSWICK_SHELF_VIEW_SOURCES

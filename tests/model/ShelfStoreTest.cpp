@@ -176,6 +176,31 @@ TEST_F(ShelfStoreTest, UpdateReplacesByIdButKeepsTheStoredBatch) {
     EXPECT_EQ(store->items().size(), 2u);
 }
 
+TEST_F(ShelfStoreTest, ManyUpdatesAreOneChange) {
+    auto store = makeStore();
+    const QUuid batch = QUuid::createUuid();
+    ShelfItem a = stagedItem("a", batch), b = stagedItem("b", batch), c = stagedItem("c");
+    store->add({a, b, c});
+    clock.advance(1);
+    int changes = 0;
+    QObject::connect(store.get(), &ShelfStore::itemsChanged, [&] { ++changes; });
+
+    a.displayName = "a2";
+    a.batchID.reset();
+    c.byteSize = 7;
+    store->update(std::vector<ShelfItem>{a, c, stagedItem("stranger")});
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(names(store->items()), (std::vector<QString>{"a2", "b", "c"}));
+    EXPECT_EQ(store->items()[0].batchID, batch);
+    EXPECT_EQ(store->items()[2].byteSize, 7);
+    EXPECT_TRUE(store->hasPendingSave());
+
+    clock.advance(1);
+    store->update(std::vector<ShelfItem>{stagedItem("nobody")});
+    EXPECT_EQ(changes, 1);
+    EXPECT_FALSE(store->hasPendingSave());
+}
+
 TEST_F(ShelfStoreTest, StacksSelectAndDragAsOneUnit) {
     auto store = makeStore();
     const QUuid batch = QUuid::createUuid();

@@ -1,0 +1,134 @@
+// The main thread's share of a drop of 1,000 files: reading the drop and making the items, and
+// later taking in the finished copies. The copies themselves run on other threads and are not
+// counted. With and without the shelf's view, which redraws on every change of the store.
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMimeData>
+#include <algorithm>
+#include <ctime>
+#include <fstream>
+#include <memory>
+
+#include "ingest/DropIngest.h"
+#include "interaction/ReducedMotion.h"
+#include "interaction/ShelfView.h"
+#include "model/AppFiles.h"
+#include "model/DefaultsStore.h"
+#include "model/ItemStaging.h"
+#include "model/LocalPath.h"
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "platform/qt/QMimeDataPasteboard.h"
+#include "platform/qt/QtScheduler.h"
+#include "shelf/NoDesktopMotionSetting.h"
+
+using namespace mosswick;
+
+namespace {
+
+constexpr int kFiles = 1000;
+
+double threadSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+const QList<QUrl>& droppedFiles() {
+    static const QList<QUrl> urls = [] {
+        const auto folder = std::filesystem::temp_directory_path() / "mosswick-ingest-bench";
+        std::filesystem::create_directories(folder);
+        QList<QUrl> list;
+        const std::string contents(4096, 'x');
+        for (int i = 0; i < kFiles; ++i) {
+            const auto file = folder / ("Photo " + std::to_string(i) + ".jpg");
+            std::ofstream(file, std::ios::binary) << contents;
+            list << LocalPath::toUrl(file);
+        }
+        return list;
+    }();
+    return urls;
+}
+
+// A shelf with no limit, so every file is kept and copied.
+struct Shelf {
+    explicit Shelf(bool withView) {
+        for (const ShelfItem& item : store.items()) ItemStaging::discard(item.id);
+        preferences.setMaximumItemCount(0);
+        if (withView) {
+            view = std::make_unique<ShelfView>(store, ReducedMotion(preferences, motion));
+            view->resize(360, 600);
+            view->show();
+        }
+        QObject::connect(&store, &ShelfStore::itemsChanged, [this] {
+            staged = static_cast<int>(
+                std::count_if(store.items().begin(), store.items().end(),
+                              [](const ShelfItem& item) { return item.stagedURL.has_value(); }));
+        });
+    }
+    ~Shelf() {
+        view.reset();
+        scheduler.waitForBackgroundWork();
+        for (const ShelfItem& item : store.items()) ItemStaging::discard(item.id);
+    }
+
+    // The drop, as the shelf's drop handler makes it; the main thread's seconds.
+    double drop() {
+        QMimeData data;
+        data.setUrls(droppedFiles());
+        const double start = threadSeconds();
+        const QMimeDataPasteboard pasteboard(data);
+        std::vector<ShelfItem> items = DropIngest::items(
+            pasteboard, true, [this](const ShelfItem& item) { store.update(item); }, services);
+        store.add(std::move(items));
+        return threadSeconds() - start;
+    }
+
+    // Until every copy is in the store; the main thread's seconds.
+    double takeInCopies() {
+        const double start = threadSeconds();
+        while (staged < kFiles) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return threadSeconds() - start;
+    }
+
+    MemoryDefaultsStore defaults;
+    Preferences preferences{defaults};
+    QtScheduler scheduler;
+    ShelfStore store{preferences, scheduler, AppFiles::saveFile()};
+    IngestServices services{scheduler, preferences, store};
+    NoDesktopMotionSetting motion;
+    std::unique_ptr<ShelfView> view;
+    int staged = 0;
+};
+
+void BM_Drop1000Files(benchmark::State& state) {
+    for (auto _ : state) {
+        Shelf shelf(state.range(0) != 0);
+        state.SetIterationTime(shelf.drop());
+        shelf.takeInCopies();
+    }
+}
+BENCHMARK(BM_Drop1000Files)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+
+void BM_TakeIn1000Copies(benchmark::State& state) {
+    for (auto _ : state) {
+        Shelf shelf(state.range(0) != 0);
+        shelf.drop();
+        state.SetIterationTime(shelf.takeInCopies());
+    }
+}
+BENCHMARK(BM_TakeIn1000Copies)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    droppedFiles();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

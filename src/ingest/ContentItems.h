@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+
+#include "ingest/IngestServices.h"
+#include "model/ShelfItem.h"
+
+namespace mosswick {
+
+class Pasteboard;
+
+// Items for what comes without a file of its own: a web link, an image, a text. Each is written
+// as a file into a new item's folder in the staging area (atomically) and is complete at once.
+// Nothing when the pasteboard holds no such thing or the file cannot be written (logged, as the
+// dropped content is lost then).
+namespace ContentItems {
+
+// The first non-file URL, as a desktop link file named by its title (else its host, else
+// "Link").
+std::optional<ShelfItem> readWebURL(const Pasteboard& pasteboard, const IngestServices& services);
+
+// The image as PNG, named by the moment it was added.
+std::optional<ShelfItem> readImage(const Pasteboard& pasteboard, const IngestServices& services);
+
+// The whole plain text, untrimmed, as UTF-8, named by its first line. Nothing for a text of
+// blanks and line breaks only.
+std::optional<ShelfItem> readText(const Pasteboard& pasteboard, const IngestServices& services);
+
+}  // namespace ContentItems
+}  // namespace mosswick

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "ingest/IngestServices.h"
+#include "shelf/ShelfDropHandler.h"
+
+namespace mosswick {
+
+class Pasteboard;
+
+// The shelf's drop handler: the drop's data read as a pasteboard, turned into items by drop
+// ingestion (promised files accepted), and put at the top of the shelf.
+class ShelfDropIngestHandler final : public ShelfDropHandler {
+public:
+    // Reads a drop's data; the platform decides how (and how promised files are received).
+    using PasteboardFactory = std::function<std::unique_ptr<Pasteboard>(const QMimeData& data)>;
+
+    ShelfDropIngestHandler(PasteboardFactory makePasteboard, IngestServices services);
+
+    bool drop(const QMimeData& data, const DropContext& context) override;
+
+private:
+    PasteboardFactory makePasteboard_;
+    IngestServices services_;
+};
+
+}  // namespace mosswick

@@ -1,0 +1,137 @@
+// Receiving promised files over X Direct Save, against a private X server and a source reduced to
+// its selection.
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <unistd.h>
+
+#include "platform/x11/X11DirectSaveReceiver.h"
+#include "support/EventWaiting.h"
+#include "support/FakeDirectSaveSource.h"
+#include "support/TestFolders.h"
+#include "support/XvfbServer.h"
+
+namespace mosswick {
+namespace {
+
+namespace fs = std::filesystem;
+using Answer = testing::FakeDirectSaveSource::Answer;
+using testing::FakeDirectSaveSource;
+using testing::readFile;
+
+class X11DirectSaveReceiverTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!server.isRunning()) GTEST_SKIP() << server.problem().toStdString();
+        receiver = X11DirectSaveReceiver::create(server.displayName(), std::chrono::milliseconds(400));
+        ASSERT_TRUE(receiver);
+    }
+
+    // Drops a promise from `source` and waits for its one delivery.
+    std::optional<FilePromise::Delivery> receive(FakeDirectSaveSource& source, bool offersData = false) {
+        const quint32 dropTime = source.startDrag();
+        auto promise = receiver->promiseFor({source.window(), dropTime, offersData});
+        names = promise->fileNames();
+        std::optional<FilePromise::Delivery> delivery;
+        QElapsedTimer during;
+        during.start();
+        promise->receive({folder, "proposed.txt"},
+                         [&](const FilePromise::Delivery& answer) { delivery = answer; });
+        receiveMs = during.elapsed();
+        EXPECT_FALSE(delivery) << "never answered inside the drop";
+        testing::waitUntil([&] { return delivery.has_value(); }, 5000, [&] { source.pump(); });
+        if (source.requestTime()) {
+            EXPECT_EQ(*source.requestTime(), dropTime) << "asked at the drop's time";
+        }
+        return delivery;
+    }
+
+    testing::XvfbServer server;
+    std::unique_ptr<X11DirectSaveReceiver> receiver;
+    fs::path folder = testing::freshFolder("promised");
+    std::vector<QByteArray> names;
+    qint64 receiveMs = 0;
+};
+
+TEST_F(X11DirectSaveReceiverTest, TheSourceWritesTheFileWhereItIsAskedTo) {
+    FakeDirectSaveSource source(server.displayName(), Answer::saves, "Report 2024.pdf");
+    const auto delivery = receive(source);
+    ASSERT_TRUE(delivery && delivery->file) << (delivery ? delivery->problem.toStdString() : "no answer");
+    EXPECT_EQ(*delivery->file, folder / "proposed.txt");
+    EXPECT_EQ(readFile(*delivery->file), FakeDirectSaveSource::kContents);
+    EXPECT_EQ(names, std::vector<QByteArray>{"Report 2024.pdf"});
+    char host[256] = {};
+    ::gethostname(host, sizeof host - 1);
+    EXPECT_EQ(*source.uri(), "file://" + QByteArray(host) + QByteArray(folder.c_str()) + "/proposed.txt");
+}
+
+TEST_F(X11DirectSaveReceiverTest, AFileWrittenUnderTheSourcesOwnNameIsTaken) {
+    FakeDirectSaveSource source(server.displayName(), Answer::savesUnderOwnName, "entry");
+    const auto delivery = receive(source);
+    ASSERT_TRUE(delivery && delivery->file);
+    EXPECT_EQ(*delivery->file, folder / FakeDirectSaveSource::kOwnName);
+}
+
+TEST_F(X11DirectSaveReceiverTest, AFailureWithDataOnOfferIsWrittenByTheReceiver) {
+    FakeDirectSaveSource small(server.displayName(), Answer::fails, "picture.png");
+    small.offerData("\x89PNG small picture");
+    auto delivery = receive(small, true);
+    ASSERT_TRUE(delivery && delivery->file) << (delivery ? delivery->problem.toStdString() : "no answer");
+    EXPECT_EQ(readFile(*delivery->file), "\x89PNG small picture");
+
+    // Large data comes in pieces.
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    QByteArray large(3 * 1024 * 1024 + 17, '\0');
+    for (qsizetype i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7);
+    FakeDirectSaveSource big(server.displayName(), Answer::fails, "large.png");
+    big.offerData(large);
+    delivery = receive(big, true);
+    ASSERT_TRUE(delivery && delivery->file) << (delivery ? delivery->problem.toStdString() : "no answer");
+    EXPECT_EQ(QByteArray::fromStdString(readFile(*delivery->file)), large);
+}
+
+TEST_F(X11DirectSaveReceiverTest, FailuresAndErrorsDeliverNothing) {
+    FakeDirectSaveSource failing(server.displayName(), Answer::fails, "a.txt");
+    auto delivery = receive(failing);
+    ASSERT_TRUE(delivery);
+    EXPECT_FALSE(delivery->file);
+    EXPECT_FALSE(delivery->problem.isEmpty());
+
+    FakeDirectSaveSource erring(server.displayName(), Answer::reportsError, "b.txt");
+    delivery = receive(erring);
+    ASSERT_TRUE(delivery);
+    EXPECT_FALSE(delivery->file);
+}
+
+TEST_F(X11DirectSaveReceiverTest, ASilentSourceNeverHoldsUpTheDropAndWhatArrivedIsKept) {
+    FakeDirectSaveSource silent(server.displayName(), Answer::neverAnswers, "slow.txt");
+    auto delivery = receive(silent);
+    EXPECT_LT(receiveMs, 200) << "the drop waited for the source";
+    ASSERT_TRUE(delivery);
+    EXPECT_FALSE(delivery->file);
+
+    // A file that did arrive without a word is not lost.
+    FakeDirectSaveSource quiet(server.displayName(), Answer::neverAnswers, "quiet.txt");
+    testing::writeFile(folder / "proposed.txt", "written, never confirmed");
+    delivery = receive(quiet);
+    ASSERT_TRUE(delivery && delivery->file);
+    EXPECT_EQ(readFile(*delivery->file), "written, never confirmed");
+}
+
+TEST_F(X11DirectSaveReceiverTest, ASourceThatGoesAwayEndsTheWaitAtOnce) {
+    auto receiverWithTime = X11DirectSaveReceiver::create(server.displayName(), std::chrono::seconds(30));
+    FakeDirectSaveSource source(server.displayName(), Answer::neverAnswers, "gone.txt");
+    const quint32 dropTime = source.startDrag();
+    auto promise = receiverWithTime->promiseFor({source.window(), dropTime, false});
+    std::optional<FilePromise::Delivery> delivery;
+    promise->receive({folder, "gone.txt"}, [&](const FilePromise::Delivery& answer) { delivery = answer; });
+    source.pump();
+    source.vanish();
+    EXPECT_TRUE(testing::waitUntil([&] { return delivery.has_value(); }, 5000));
+    ASSERT_TRUE(delivery);
+    EXPECT_FALSE(delivery->file);
+}
+
+}  // namespace
+}  // namespace mosswick

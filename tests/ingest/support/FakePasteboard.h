@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+
+#include "ingest/Pasteboard.h"
+
+namespace mosswick::testing {
+
+// A pasteboard that holds exactly what a test puts on it.
+class FakePasteboard final : public Pasteboard {
+public:
+    QStringList offeredTypes;
+    // URLs and promises, in pasteboard order.
+    std::vector<Object> items;
+    std::optional<QString> plainText;
+    std::optional<QString> linkTitle;
+    // Decoded on request, as a real pasteboard does: bytes that are no image give no image.
+    QByteArray imageBytes;
+
+    FakePasteboard& withFile(const std::filesystem::path& file);
+    FakePasteboard& withUrl(const QString& url);
+    FakePasteboard& withPromise(std::shared_ptr<FilePromise> promise);
+    FakePasteboard& withText(const QString& text);
+    FakePasteboard& withImage(const QImage& image);
+
+    QStringList types() const override { return offeredTypes; }
+    std::vector<Object> objects(Kinds kinds) const override;
+    std::optional<QString> string(Text kind) const override;
+    QImage image() const override;
+};
+
+}  // namespace mosswick::testing
