@@ -165,9 +165,10 @@ int main(int argc, char** argv) {
 
     delegate.applicationDidFinishLaunching();
     if (options.isSet(kSummonOption)) controller.summon();
-    if (const auto combo = KeyCombo::load(defaults))
+    // A shortcut the desktop refused is not offered; the refusal was logged just before.
+    if (hotKeys.isRegistered() && hotKeys.combo())
         std::fprintf(stderr, "Mosswick is running: drag a file to bring the shelf up, or press %s.\n",
-                     qPrintable(combo->displayString()));
+                     qPrintable(hotKeys.combo()->displayString()));
     else
         std::fprintf(stderr, "Mosswick is running: drag a file to bring the shelf up.\n");
     const int status = app.exec();

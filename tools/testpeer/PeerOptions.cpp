@@ -14,6 +14,7 @@ const std::map<QByteArray, Mode> kModes = {
     {"drag", Mode::Drag},           {"receive", Mode::Receive},
     {"clipboard", Mode::Clipboard}, {"clipboard-dump", Mode::ClipboardDump},
     {"strut", Mode::Strut},         {"screens", Mode::Screens},
+    {"watch", Mode::Watch},         {"grab-key", Mode::GrabKey},
 };
 
 std::optional<QRect> parseGeometry(const QByteArray& text) {
@@ -157,6 +158,7 @@ const std::map<QByteArray, Option>& options() {
         {"--edge", text(&O::edge, {"top", "bottom", "left", "right"})},
         {"--size", count(&O::size, 1)},
         {"--screen", count(&O::screen, 0)},
+        {"--key", bytes(&O::key)},
     };
     return table;
 }
@@ -221,6 +223,9 @@ QString peerUsage() {
         "  clipboard-dump  writes what the clipboard holds to --report\n"
         "  strut           a panel along a screen edge that reserves space (a dock with a strut)\n"
         "  screens         the screens Qt sees, their available areas and whether a compositor runs\n"
+        "  watch           prints a JSON line, with a monotonic time, for each drag start and each\n"
+        "                  top-level window mapped or unmapped, until killed; prints \"ready\"\n"
+        "  grab-key        holds a global grab of --key (default F5) until killed; prints \"ready\"\n"
         "\n"
         "Window:   --geometry X,Y,W,H  --label TEXT  --app-id NAME  --report PATH  --stay\n"
         "Payload:  --file PATH  --files PATH...  --folder PATH  --link URL [--title TITLE]\n"
@@ -229,7 +234,8 @@ QString peerUsage() {
         "          [--fail E|F] [--late SECONDS] [--own-name NAME]\n"
         "Source:   --actions copy,move,link  --finish-timeout SECONDS\n"
         "Target:   --accept copy|move|link|ignore  --promise-folder DIR  --timeout SECONDS\n"
-        "Strut:    --edge top|bottom|left|right  --size PIXELS  --screen N\n");
+        "Strut:    --edge top|bottom|left|right  --size PIXELS  --screen N\n"
+        "Key:      --key KEYSYM\n");
 }
 
 }  // namespace mosswick::testpeer

@@ -12,7 +12,7 @@ namespace mosswick::testpeer {
 // What one run of the peer plays, read from the raw command line. Paths stay bytes: a file name
 // that is not valid UTF-8 must reach the other side exactly as it is on disk.
 struct PeerOptions {
-    enum class Mode { Drag, Receive, Clipboard, ClipboardDump, Strut, Screens };
+    enum class Mode { Drag, Receive, Clipboard, ClipboardDump, Strut, Screens, Watch, GrabKey };
 
     Mode mode = Mode::Drag;
 
@@ -56,6 +56,9 @@ struct PeerOptions {
     QString edge = QStringLiteral("bottom");
     int size = 40;
     int screen = 0;
+
+    // Key grab: an X keysym name.
+    QByteArray key = "F5";
 
     bool hasDragPayload() const;
 };

@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <memory>
 
+#include "DesktopWatcher.h"
 #include "DragSourceWindow.h"
 #include "DropTargetWindow.h"
+#include "KeyGrab.h"
 #include "PayloadMimeData.h"
 #include "PeerOptions.h"
 #include "ReportFile.h"
@@ -100,6 +102,9 @@ int main(int argc, char** argv) {
         return fail(error->message + QStringLiteral("\n\n") + peerUsage(), 2);
     const PeerOptions& options = std::get<PeerOptions>(parsed);
     if (options.mode == PeerOptions::Mode::ClipboardDump) return runClipboardDump(options);
+    // Plain X clients: no Qt window, nothing of Qt's in their way.
+    if (options.mode == PeerOptions::Mode::Watch) return watchDesktop();
+    if (options.mode == PeerOptions::Mode::GrabKey) return holdKeyGrab(options.key);
 
     takeIdentity(options.appId);
     // Qt sees none of our options (it would take --geometry as its own).
@@ -124,6 +129,8 @@ int main(int argc, char** argv) {
         case PeerOptions::Mode::Screens:
             return ReportFile::write(options.report, screenReport()) ? 0 : 1;
         case PeerOptions::Mode::ClipboardDump:
+        case PeerOptions::Mode::Watch:
+        case PeerOptions::Mode::GrabKey:
             break;
     }
     return 0;
