@@ -75,11 +75,20 @@ class Shelf:
 
     @property
     def data_folder(self):
-        return os.path.join(self.desktop.env["XDG_DATA_HOME"], "Mosswick")
+        return data_folder(self.desktop)
 
     def saved_items(self, until, timeout=10):
         """The items of shelf.json once `until(items)` holds."""
-        return self.desktop.wait_json(os.path.join(self.data_folder, "shelf.json"), until=until, timeout=timeout)
+        return self.desktop.wait_json(save_file(self.desktop), until=until, timeout=timeout)
+
+
+def data_folder(desktop):
+    """Mosswick's data folder on this desktop: the save file and the staged copies."""
+    return os.path.join(desktop.env["XDG_DATA_HOME"], "Mosswick")
+
+
+def save_file(desktop):
+    return os.path.join(data_folder(desktop), "shelf.json")
 
 
 def active_window(desktop):

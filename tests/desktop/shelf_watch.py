@@ -9,6 +9,8 @@ import os
 import subprocess
 import time
 
+import shelf as shelf_module
+
 SHELF_CLASS = "Mosswick"
 
 
@@ -91,15 +93,12 @@ class Drag:
 
 def write_settings(desktop, **settings):
     """Replaces Mosswick's settings file with these keys (as Preferences stores them)."""
-    folder = os.path.join(desktop.env["XDG_CONFIG_HOME"], "Mosswick")
-    os.makedirs(folder, exist_ok=True)
-    with open(os.path.join(folder, "settings.json"), "w", encoding="utf-8") as f:
-        json.dump(settings, f)
+    shelf_module.write_settings(desktop, settings)
 
 
 def shelf_file(desktop):
     """The path of the shelf's save file."""
-    return os.path.join(desktop.env["XDG_DATA_HOME"], "Mosswick", "shelf.json")
+    return shelf_module.save_file(desktop)
 
 
 def saved_items(desktop):
