@@ -7,12 +7,12 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include "platform/freedesktop/DesktopPortal.h"
+
 namespace mosswick {
 
 namespace {
 
-const QString kPortalService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPortalPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString kSettingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
 
 const QString kGnomeGroup = QStringLiteral("org.gnome.desktop.interface");
@@ -38,8 +38,8 @@ DesktopAnimationSetting::DesktopAnimationSetting(const QDBusConnection& bus, con
         if (ok) kdeAnimationFactor_ = factor;
     }
     if (!bus_.isConnected()) return;
-    bus_.connect(kPortalService, kPortalPath, kSettingsInterface, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QDBusMessage)));
+    bus_.connect(DesktopPortal::kService, DesktopPortal::kPath, kSettingsInterface,
+                 QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
     ask(kGnomeGroup, kGnomeKey);
     ask(kKdeGroup, kKdeKey);
 }
@@ -57,8 +57,8 @@ bool DesktopAnimationSetting::reducesMotion() const {
 }
 
 void DesktopAnimationSetting::ask(const QString& group, const QString& key) {
-    QDBusMessage call = QDBusMessage::createMethodCall(kPortalService, kPortalPath, kSettingsInterface,
-                                                       QStringLiteral("Read"));
+    QDBusMessage call = QDBusMessage::createMethodCall(DesktopPortal::kService, DesktopPortal::kPath,
+                                                       kSettingsInterface, QStringLiteral("Read"));
     call << group << key;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call, 2000), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {

@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QLoggingCategory>
 
+#include "platform/freedesktop/DesktopPortal.h"
 #include "shelf/EvdevKeyCodes.h"
 #include "shelf/KeyCodeNames.h"
 #include "shelf/KeyboardLayout.h"
@@ -45,8 +46,8 @@ namespace mosswick {
 
 namespace {
 
-const QString kService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
+using DesktopPortal::kPath;
+using DesktopPortal::kService;
 const QString kInterface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
 const QString kRequestInterface = QStringLiteral("org.freedesktop.portal.Request");
 const QString kSessionInterface = QStringLiteral("org.freedesktop.portal.Session");
