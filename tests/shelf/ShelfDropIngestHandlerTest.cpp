@@ -1,4 +1,5 @@
-// The shelf's drop handler: a drop's data read through Qt, its items put on the shelf.
+// The shelf's drop handler: a drop's data read through Qt, its items put on the shelf. Promised
+// files through this path are covered by the desktop tests, with real sources.
 #include <gtest/gtest.h>
 
 #include <QMimeData>
@@ -17,19 +18,6 @@
 namespace mosswick {
 namespace {
 
-// A promise delivered by hand.
-class HandDelivered final : public FilePromise {
-public:
-    QStringList fileTypes() const override { return {}; }
-    std::vector<QByteArray> fileNames() const override { return {"Scan.pdf"}; }
-    void receive(const Destination& destination, Reader reader) override {
-        wanted = destination.folder / destination.fileName;
-        deliver = std::move(reader);
-    }
-    std::filesystem::path wanted;
-    Reader deliver;
-};
-
 class ShelfDropIngestHandlerTest : public ::testing::Test {
 protected:
     ShelfDropIngestHandlerTest() { testing::clearAppData(); }
@@ -40,12 +28,9 @@ protected:
     MemoryDefaultsStore defaults;
     Preferences preferences{defaults};
     ShelfStore store{preferences, clock, AppFiles::saveFile()};
-    std::shared_ptr<HandDelivered> promise = std::make_shared<HandDelivered>();
-    ShelfDropIngestHandler handler{[this](const QMimeData& data) {
-                                       return std::make_unique<QMimeDataPasteboard>(
-                                           data, [this](const QMimeData&) { return promise; });
-                                   },
-                                   IngestServices{clock, preferences, store}};
+    ShelfDropIngestHandler handler{
+        [](const QMimeData& data) { return std::make_unique<QMimeDataPasteboard>(data); },
+        IngestServices{clock, preferences, store}};
 };
 
 TEST_F(ShelfDropIngestHandlerTest, DroppedFilesGoOnTopAndAreCopied) {
@@ -71,21 +56,6 @@ TEST_F(ShelfDropIngestHandlerTest, ADropWithNothingToTakeIsRefused) {
     data.setData(QStringLiteral("application/x-something-private"), "bytes");
     EXPECT_FALSE(drop(data));
     EXPECT_TRUE(store.items().empty());
-}
-
-TEST_F(ShelfDropIngestHandlerTest, APromisedFileCompletesItsPlaceholderOnTheShelf) {
-    QMimeData data;
-    data.setData(QStringLiteral("XdndDirectSave0"), {});
-    ASSERT_TRUE(drop(data));
-    ASSERT_EQ(store.items().size(), 1u);
-    EXPECT_TRUE(store.items()[0].isPromised);
-
-    testing::writeFile(promise->wanted, "%PDF");
-    promise->deliver({promise->wanted, {}});
-    clock.drain();
-    ASSERT_EQ(store.items().size(), 1u);
-    EXPECT_FALSE(store.items()[0].isPromised);
-    EXPECT_EQ(store.items()[0].stagedURL, LocalPath::toUrl(promise->wanted));
 }
 
 }  // namespace
