@@ -137,12 +137,11 @@ int main(int argc, char** argv) {
     ShelfDropIngestHandler dropIngest(
         [promises](const QMimeData& data) { return std::make_unique<QMimeDataPasteboard>(data, promises); },
         ingest);
-    ShelfDropHandler* dropHandler = &dropIngest;
     ShelfWindowController controller({preferences, store, scheduler, displays, desktopMotion,
                                       [&](const ScreenRect&) -> std::unique_ptr<ShelfPanelSurface> {
                                           auto* panel = new ShelfPanel(
                                               store, ReducedMotion(preferences, desktopMotion));
-                                          panel->contentView().setDropHandler(dropHandler);
+                                          panel->contentView().setDropHandler(&dropIngest);
                                           return std::make_unique<QtShelfPanelSurface>(panel);
                                       }});
     ShelfWindowController::setShared(&controller);
