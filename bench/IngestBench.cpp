@@ -12,7 +12,7 @@
 #include <memory>
 
 #include "ingest/DropIngest.h"
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/ShelfView.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"

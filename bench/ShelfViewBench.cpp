@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/ShelfView.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"
@@ -18,6 +18,7 @@
 #include "model/ShelfStore.h"
 #include "platform/qt/QtDisplayEnvironment.h"
 #include "platform/qt/QtScheduler.h"
+#include "platform/x11/X11PanelHints.h"
 #include "shelf/NoDesktopMotionSetting.h"
 #include "shelf/QtShelfPanelSurface.h"
 #include "shelf/ShelfPanel.h"
@@ -96,11 +97,12 @@ void measureShow() {
         store.add(makeItems(3));
         QtDisplayEnvironment displays;
         NoDesktopMotionSetting desktopMotion;
+        X11PanelHints hints;
         FirstFrameWatch watch;
         ShelfWindowController controller({preferences, store, scheduler, displays, desktopMotion,
                                           [&](const ScreenRect&) -> std::unique_ptr<ShelfPanelSurface> {
                                               auto* panel = new ShelfPanel(
-                                                  store, ReducedMotion(preferences, desktopMotion));
+                                                  store, ReducedMotion(preferences, desktopMotion), hints);
                                               watch.watch(panel);
                                               return std::make_unique<QtShelfPanelSurface>(panel);
                                           }});

@@ -4,9 +4,9 @@
 
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
-#include "shelf/DragMonitor.h"
-#include "shelf/HotKeyManager.h"
-#include "shelf/KeyCombo.h"
+#include "triggers/DragMonitor.h"
+#include "triggers/HotKeyManager.h"
+#include "triggers/KeyCombo.h"
 #include "shelf/ShelfWindowController.h"
 
 namespace mosswick {

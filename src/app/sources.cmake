@@ -2,3 +2,9 @@
 set(MOSSWICK_APP_SOURCES
   AppDelegate.h AppDelegate.cpp
 )
+# The wiring: the one place that chooses the desktop's backends and hands them to the logic.
+# Built into the executable only.
+set(MOSSWICK_APP_WIRING_SOURCES
+  DesktopBackends.h DesktopBackends.cpp
+  main.cpp
+)

@@ -3,7 +3,7 @@
 #include <QVariantAnimation>
 #include <QWidget>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/TileDescription.h"
 #include "model/ShelfTile.h"
 

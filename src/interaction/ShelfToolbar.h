@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/ShelfToolbarState.h"
 
 namespace mosswick {

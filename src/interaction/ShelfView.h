@@ -3,7 +3,7 @@
 #include <QWidget>
 #include <functional>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/TileDescription.h"
 #include "model/ShelfTile.h"
 

@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "interaction/SpringCurve.h"
 #include "interaction/TileDescription.h"
 #include "model/ShelfTile.h"

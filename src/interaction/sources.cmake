@@ -6,7 +6,6 @@ set(MOSSWICK_INTERACTION_SOURCES
   ItemIcon.h ItemIcon.cpp
   ShelfPalette.h ShelfPalette.cpp
   ShelfColors.h ShelfColors.cpp
-  ReducedMotion.h ReducedMotion.cpp
   SpringCurve.h SpringCurve.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.

@@ -1,6 +1,6 @@
 #include "model/Scheduler.h"
 
-#include "platform/qt/QtScheduler.h"
+#include <QtGlobal>
 
 namespace mosswick {
 
@@ -30,10 +30,7 @@ Scheduler* installed = nullptr;
 }
 
 Scheduler& Scheduler::shared() {
-    if (!installed) {
-        static QtScheduler fallback;
-        installed = &fallback;
-    }
+    if (!installed) qFatal("Mosswick: the scheduler is used before start-up installed one");
     return *installed;
 }
 

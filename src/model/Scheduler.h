@@ -45,7 +45,7 @@ public:
     // Seconds on a monotonic clock; only differences mean anything.
     virtual double now() const = 0;
 
-    // The process-wide scheduler: a Qt-timer scheduler unless one was installed first.
+    // The process-wide scheduler, installed at start-up (the application installs a Qt-timer one).
     static Scheduler& shared();
     static void setShared(Scheduler* scheduler);
 };

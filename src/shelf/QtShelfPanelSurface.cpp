@@ -4,7 +4,7 @@
 #include <QVariantAnimation>
 #include <cmath>
 
-#include "platform/qt/ScreenCoordinates.h"
+#include "shelf/ScreenCoordinates.h"
 #include "shelf/ShelfContentView.h"
 #include "shelf/ShelfPanel.h"
 

@@ -8,14 +8,14 @@
 #include "interaction/ShelfLayout.h"
 #include "interaction/ShelfPalette.h"
 #include "shelf/ShelfContentView.h"
-#include "shelf/X11PanelHints.h"
 
 namespace mosswick {
 
-ShelfPanel::ShelfPanel(ShelfStore& store, ReducedMotion motion, QWidget* parent)
+ShelfPanel::ShelfPanel(ShelfStore& store, ReducedMotion motion, PanelWindowHints& hints, QWidget* parent)
     : QWidget(parent,
               Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
-      content_(new ShelfContentView(store, motion, this)) {
+      content_(new ShelfContentView(store, motion, this)),
+      hints_(hints) {
     setWindowTitle(QStringLiteral("Mosswick"));
     // Both must be set before the native window exists: the first picks a visual with alpha.
     setAttribute(Qt::WA_TranslucentBackground);
@@ -45,7 +45,7 @@ void ShelfPanel::orderFront() {
         return;
     }
     // The window manager forgets these hints whenever the window is withdrawn.
-    X11PanelHints::keepOffTaskbarOnAllWorkspaces(winId());
+    hints_.keepOffTaskbarOnAllWorkspaces(winId());
     updateTranslucency();
     confirmingPosition_ = true;
     show();
@@ -114,7 +114,7 @@ void ShelfPanel::resizeEvent(QResizeEvent*) {
 }
 
 void ShelfPanel::updateTranslucency() {
-    content_->setTranslucent(X11PanelHints::compositorRunning(winId()));
+    content_->setTranslucent(hints_.compositorRunning(winId()));
     updateMask();
 }
 

@@ -2,7 +2,8 @@
 
 #include <QWidget>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/PanelWindowHints.h"
+#include "shelf/ReducedMotion.h"
 #include "model/PreferenceEnums.h"
 
 namespace mosswick {
@@ -22,7 +23,7 @@ class ShelfPanel : public QWidget {
     Q_OBJECT
 
 public:
-    ShelfPanel(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
+    ShelfPanel(ShelfStore& store, ReducedMotion motion, PanelWindowHints& hints, QWidget* parent = nullptr);
     ~ShelfPanel() override;
 
     ShelfContentView& contentView() { return *content_; }
@@ -60,6 +61,7 @@ private:
     void applyPalette();
 
     ShelfContentView* content_;
+    PanelWindowHints& hints_;
     QRect frame_;
     bool confirmingPosition_ = false;
     AppearanceMode appearance_ = AppearanceMode::system;

@@ -4,12 +4,13 @@
 
 #include <memory>
 
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "shelf/DesktopMotionSetting.h"
+#include "shelf/PanelWindowHints.h"
 #include "support/ManualScheduler.h"
 #include "support/TestFolders.h"
 
@@ -65,6 +66,7 @@ protected:
     MemoryDefaultsStore defaults;
     Preferences preferences{defaults};
     SwitchableMotionSetting desktopMotion;
+    NoPanelWindowHints windowHints;
     std::unique_ptr<ShelfStore> store;
 };
 

@@ -33,7 +33,7 @@ class ShelfPanelTest : public testing::ShelfFixture {
 protected:
     void SetUp() override {
         ShelfFixture::SetUp();
-        panel = std::make_unique<ShelfPanel>(*store, motion());
+        panel = std::make_unique<ShelfPanel>(*store, motion(), windowHints);
         panel->contentView().setDropHandler(&handler);
     }
     void TearDown() override {

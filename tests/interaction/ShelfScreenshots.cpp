@@ -55,7 +55,7 @@ protected:
     void shoot(const QString& name, int slotCount, const std::function<void(ShelfPanel&)>& arrange,
                double pixelRatio = 1) {
         for (AppearanceMode mode : {AppearanceMode::light, AppearanceMode::dark}) {
-            ShelfPanel panel(*store, motion());
+            ShelfPanel panel(*store, motion(), windowHints);
             panel.setAppearance(mode);
             panel.mapAt(QRect(40, 40, 196, slotCount * 88 + 56));
             arrange(panel);

@@ -1,13 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
 #include <vector>
 
-#include "platform/qt/QtScheduler.h"
 #include "support/ManualScheduler.h"
 
-using mosswick::QtScheduler;
 using mosswick::ScheduledTask;
 using mosswick::testing::ManualScheduler;
 
@@ -42,18 +38,4 @@ TEST(ManualScheduler, CancelledOrDroppedTasksNeverRun) {
     EXPECT_EQ(ran, 10);
     EXPECT_FALSE(replaced.isPending());
     EXPECT_EQ(clock.pendingTimers(), 0u);
-}
-
-TEST(QtScheduler, DeliversTimersAndBackgroundResultsOnTheMainThread) {
-    QtScheduler scheduler;
-    bool timerRan = false;
-    bool doneOnMain = false;
-    auto task = scheduler.after(0.01, [&] { timerRan = true; });
-    scheduler.background([] {}, [&] { doneOnMain = QThread::currentThread() == qApp->thread(); });
-    QElapsedTimer waited;
-    waited.start();
-    while ((!timerRan || !doneOnMain) && waited.elapsed() < 5000)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
-    EXPECT_TRUE(timerRan);
-    EXPECT_TRUE(doneOnMain);
 }

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "GeometryPrinting.h"
+#include "support/GeometryPrinting.h"
 #include "platform/qt/QtDisplayEnvironment.h"
-#include "platform/qt/ScreenCoordinates.h"
+#include "shelf/ScreenCoordinates.h"
 #include "shelf/WindowPlacement.h"
 
 using namespace mosswick;

@@ -3,7 +3,7 @@
 
 #include "FakeDisplayEnvironment.h"
 #include "FakeShelfPanel.h"
-#include "GeometryPrinting.h"
+#include "support/GeometryPrinting.h"
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"

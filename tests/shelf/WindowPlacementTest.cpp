@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "GeometryPrinting.h"
+#include "support/GeometryPrinting.h"
 #include "shelf/WindowPlacement.h"
 
 using namespace mosswick;

@@ -4,7 +4,7 @@
 
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
-#include "shelf/DragMonitor.h"
+#include "triggers/DragMonitor.h"
 #include "support/ManualScheduler.h"
 
 using mosswick::DesktopProbe;

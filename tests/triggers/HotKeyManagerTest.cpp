@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "model/DefaultsStore.h"
-#include "shelf/HotKeyManager.h"
-#include "shelf/SystemLog.h"
+#include "triggers/HotKeyManager.h"
+#include "triggers/SystemLog.h"
 #include "support/ManualScheduler.h"
 
 using mosswick::DefaultsValue;

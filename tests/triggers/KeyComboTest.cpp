@@ -3,10 +3,10 @@
 #include <map>
 
 #include "model/DefaultsStore.h"
-#include "shelf/EvdevKeyCodes.h"
-#include "shelf/KeyCodeNames.h"
-#include "shelf/KeyCombo.h"
-#include "shelf/KeyboardLayout.h"
+#include "triggers/EvdevKeyCodes.h"
+#include "triggers/KeyCodeNames.h"
+#include "triggers/KeyCombo.h"
+#include "triggers/KeyboardLayout.h"
 
 using mosswick::DefaultsValue;
 using mosswick::KeyboardLayout;

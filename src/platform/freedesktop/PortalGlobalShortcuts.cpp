@@ -10,9 +10,9 @@
 #include <QLoggingCategory>
 
 #include "platform/freedesktop/DesktopPortal.h"
-#include "shelf/EvdevKeyCodes.h"
-#include "shelf/KeyCodeNames.h"
-#include "shelf/KeyboardLayout.h"
+#include "triggers/EvdevKeyCodes.h"
+#include "triggers/KeyCodeNames.h"
+#include "triggers/KeyboardLayout.h"
 
 Q_LOGGING_CATEGORY(lcPortal, "mosswick.portal", QtInfoMsg)
 

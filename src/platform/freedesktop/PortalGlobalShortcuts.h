@@ -5,7 +5,7 @@
 #include <QString>
 #include <vector>
 
-#include "shelf/HotKeyService.h"
+#include "triggers/HotKeyService.h"
 
 class QDBusMessage;
 class QDBusPendingCallWatcher;

@@ -4,7 +4,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-#include "platform/qt/ScreenCoordinates.h"
+#include "shelf/ScreenCoordinates.h"
 
 namespace mosswick {
 
@@ -43,6 +43,16 @@ std::vector<Display> QtDisplayEnvironment::displays() const {
 
 ScreenPoint QtDisplayEnvironment::pointerLocation() const {
     return ScreenCoordinates::current().pointerFromQt(QCursor::pos());
+}
+
+std::optional<QRectF> QtDisplayEnvironment::deviceFrameAt(QPointF pixels) {
+    for (QScreen* screen : QGuiApplication::screens()) {
+        const qreal ratio = screen->devicePixelRatio();
+        const QRect logical = screen->geometry();
+        const QRectF frame(QPointF(logical.topLeft()) * ratio, QSizeF(logical.size()) * ratio);
+        if (frame.contains(pixels)) return frame;
+    }
+    return std::nullopt;
 }
 
 }  // namespace mosswick

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "shelf/DesktopProbe.h"
+#include "triggers/DesktopProbe.h"
 
 union _XEvent;
 

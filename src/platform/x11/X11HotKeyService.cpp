@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "platform/x11/X11Connection.h"
-#include "shelf/EvdevKeyCodes.h"
+#include "triggers/EvdevKeyCodes.h"
 
 #include <X11/XKBlib.h>
 #include <X11/Xlib-xcb.h>

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "shelf/HotKeyService.h"
+#include "triggers/HotKeyService.h"
 
 union _XEvent;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shelf/KeyboardLayout.h"
+#include "triggers/KeyboardLayout.h"
 
 namespace mosswick {
 

@@ -1,4 +1,4 @@
-#include "platform/qt/ScreenCoordinates.h"
+#include "shelf/ScreenCoordinates.h"
 
 #include <QGuiApplication>
 #include <QScreen>

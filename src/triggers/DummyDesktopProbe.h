@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shelf/DesktopProbe.h"
+#include "triggers/DesktopProbe.h"
 
 namespace mosswick {
 

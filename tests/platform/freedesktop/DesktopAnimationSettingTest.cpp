@@ -9,8 +9,8 @@
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "support/TestFolders.h"
-#include "triggers/support/EventWaiting.h"
-#include "triggers/support/PrivateSessionBus.h"
+#include "support/EventWaiting.h"
+#include "support/PrivateSessionBus.h"
 
 using namespace mosswick;
 using mosswick::testing::PrivateSessionBus;

@@ -1,7 +1,7 @@
-#include "shelf/KeyCodeNames.h"
+#include "triggers/KeyCodeNames.h"
 
-#include "shelf/EvdevKeyCodes.h"
-#include "shelf/KeyboardLayout.h"
+#include "triggers/EvdevKeyCodes.h"
+#include "triggers/KeyboardLayout.h"
 
 namespace mosswick::KeyCodeNames {
 

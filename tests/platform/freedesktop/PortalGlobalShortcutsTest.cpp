@@ -7,10 +7,10 @@
 
 #include "model/DefaultsStore.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
-#include "shelf/HotKeyManager.h"
-#include "shelf/KeyboardLayout.h"
+#include "triggers/HotKeyManager.h"
+#include "triggers/KeyboardLayout.h"
 #include "support/EventWaiting.h"
-#include "support/FakeShortcutsPortal.h"
+#include "FakeShortcutsPortal.h"
 #include "support/ManualScheduler.h"
 #include "support/PrivateSessionBus.h"
 

@@ -3,7 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include "shelf/KeyCombo.h"
+#include "triggers/KeyCombo.h"
 
 namespace mosswick {
 

@@ -1,8 +1,8 @@
-#include "shelf/HotKeyManager.h"
+#include "triggers/HotKeyManager.h"
 
 #include "model/Preferences.h"
-#include "shelf/DummyHotKeyService.h"
-#include "shelf/SystemLog.h"
+#include "triggers/DummyHotKeyService.h"
+#include "triggers/SystemLog.h"
 
 namespace mosswick {
 

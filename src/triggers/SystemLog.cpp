@@ -1,4 +1,4 @@
-#include "shelf/SystemLog.h"
+#include "triggers/SystemLog.h"
 
 #include <syslog.h>
 #include <cstdio>

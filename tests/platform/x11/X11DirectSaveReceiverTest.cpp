@@ -7,7 +7,7 @@
 
 #include "platform/x11/X11DirectSaveReceiver.h"
 #include "support/EventWaiting.h"
-#include "support/FakeDirectSaveSource.h"
+#include "FakeDirectSaveSource.h"
 #include "support/TestFolders.h"
 #include "support/XvfbServer.h"
 

@@ -1,4 +1,4 @@
-#include "shelf/X11PanelHints.h"
+#include "platform/x11/X11PanelHints.h"
 
 #include <QByteArray>
 #include <QGuiApplication>
@@ -76,7 +76,7 @@ void X11PanelHints::keepOffTaskbarOnAllWorkspaces(quintptr window) {
     xcb_flush(c);
 }
 
-bool X11PanelHints::compositorRunning(quintptr window) {
+bool X11PanelHints::compositorRunning(quintptr window) const {
     xcb_connection_t* c = connection();
     if (!c) return true;
     const QByteArray selection =

@@ -10,9 +10,9 @@
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/XkbKeyboardLayout.h"
 #include "model/DefaultsStore.h"
-#include "shelf/EvdevKeyCodes.h"
-#include "shelf/HotKeyManager.h"
-#include "shelf/SystemLog.h"
+#include "triggers/EvdevKeyCodes.h"
+#include "triggers/HotKeyManager.h"
+#include "triggers/SystemLog.h"
 #include "support/EventWaiting.h"
 #include "support/XvfbServer.h"
 

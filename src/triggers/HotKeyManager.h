@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "model/Scheduler.h"
-#include "shelf/HotKeyService.h"
-#include "shelf/KeyCombo.h"
+#include "triggers/HotKeyService.h"
+#include "triggers/KeyCombo.h"
 
 namespace mosswick {
 

@@ -1,7 +1,7 @@
-#include "shelf/DragMonitor.h"
+#include "triggers/DragMonitor.h"
 
 #include "model/Preferences.h"
-#include "shelf/DummyDesktopProbe.h"
+#include "triggers/DummyDesktopProbe.h"
 
 namespace mosswick {
 

@@ -1,4 +1,4 @@
-#include "shelf/KeyCombo.h"
+#include "triggers/KeyCombo.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "model/DefaultsStore.h"
-#include "shelf/KeyCodeNames.h"
+#include "triggers/KeyCodeNames.h"
 
 namespace mosswick {
 

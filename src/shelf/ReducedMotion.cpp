@@ -1,4 +1,4 @@
-#include "interaction/ReducedMotion.h"
+#include "shelf/ReducedMotion.h"
 
 #include "model/Preferences.h"
 #include "shelf/DesktopMotionSetting.h"

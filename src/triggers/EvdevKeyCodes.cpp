@@ -1,4 +1,4 @@
-#include "shelf/EvdevKeyCodes.h"
+#include "triggers/EvdevKeyCodes.h"
 
 namespace mosswick::EvdevKeyCodes {
 

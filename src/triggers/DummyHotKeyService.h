@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shelf/HotKeyService.h"
+#include "triggers/HotKeyService.h"
 
 namespace mosswick {
 

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "model/Scheduler.h"
-#include "shelf/DesktopProbe.h"
+#include "triggers/DesktopProbe.h"
 
 namespace mosswick {
 

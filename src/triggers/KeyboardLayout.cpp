@@ -1,4 +1,4 @@
-#include "shelf/KeyboardLayout.h"
+#include "triggers/KeyboardLayout.h"
 
 namespace mosswick {
 

@@ -13,9 +13,9 @@
 #include "platform/qt/QtScheduler.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
-#include "shelf/DragMonitor.h"
+#include "triggers/DragMonitor.h"
 #include "support/EventWaiting.h"
-#include "support/FakeDragSource.h"
+#include "FakeDragSource.h"
 #include "support/XvfbServer.h"
 
 #include <X11/Xatom.h>

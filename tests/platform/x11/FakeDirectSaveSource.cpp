@@ -1,4 +1,4 @@
-#include "support/FakeDirectSaveSource.h"
+#include "FakeDirectSaveSource.h"
 
 #include <QUrl>
 

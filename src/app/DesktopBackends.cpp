@@ -1,0 +1,79 @@
+#include "app/DesktopBackends.h"
+
+#include <QDBusConnection>
+#include <QGuiApplication>
+#include <QMimeData>
+
+#include "platform/freedesktop/DesktopAnimationSetting.h"
+#include "platform/freedesktop/PortalGlobalShortcuts.h"
+#include "platform/qt/QMimeDataPasteboard.h"
+#include "platform/qt/QtDisplayEnvironment.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11DesktopProbe.h"
+#include "platform/x11/X11DirectSaveReceiver.h"
+#include "platform/x11/X11HotKeyService.h"
+#include "platform/x11/X11PanelHints.h"
+#include "platform/x11/XkbKeyboardLayout.h"
+#include "shelf/PanelWindowHints.h"
+#include "triggers/DummyDesktopProbe.h"
+#include "triggers/DummyHotKeyService.h"
+
+namespace mosswick {
+
+namespace {
+
+bool isWaylandSession() {
+    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
+           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+}  // namespace
+
+DesktopBackends::DesktopBackends() = default;
+DesktopBackends::DesktopBackends(DesktopBackends&&) noexcept = default;
+DesktopBackends::~DesktopBackends() {
+    if (layout_ && &KeyboardLayout::shared() == layout_.get()) KeyboardLayout::setShared(nullptr);
+}
+
+DesktopBackends DesktopBackends::forThisSession() {
+    DesktopBackends backends;
+    const bool xcb = QGuiApplication::platformName() == QLatin1String("xcb");
+    backends.displays_ = std::make_unique<QtDisplayEnvironment>();
+    backends.desktopMotion_ = std::make_unique<DesktopAnimationSetting>(
+        QDBusConnection::sessionBus(), DesktopAnimationSetting::defaultKdeGlobals());
+
+    if (xcb) backends.x11_ = X11Connection::open();
+    if (backends.x11_) {
+        backends.probe_ = X11DesktopProbe::create(*backends.x11_);
+        backends.layout_ = std::make_unique<XkbKeyboardLayout>(*backends.x11_);
+        KeyboardLayout::setShared(backends.layout_.get());
+    }
+    if (!backends.probe_) backends.probe_ = std::make_unique<DummyDesktopProbe>();
+
+    if (isWaylandSession() && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
+        backends.hotKeys_ =
+            std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared());
+    } else if (backends.x11_) {
+        backends.hotKeys_ = std::make_unique<X11HotKeyService>(*backends.x11_);
+    } else {
+        backends.hotKeys_ = std::make_unique<DummyHotKeyService>();
+    }
+
+    if (xcb) {
+        backends.panelHints_ = std::make_unique<X11PanelHints>();
+        backends.directSave_ = X11DirectSaveReceiver::create();
+    } else {
+        backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
+    }
+    return backends;
+}
+
+ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {
+    QMimeDataPasteboard::PromiseFactory promises;
+    if (X11DirectSaveReceiver* receiver = directSave_.get())
+        promises = [receiver](const QMimeData& data) { return receiver->promiseFor(data); };
+    return
+        [promises](const QMimeData& data) { return std::make_unique<QMimeDataPasteboard>(data, promises); };
+}
+
+}  // namespace mosswick

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <memory>
+
+#include "shelf/ShelfDropIngestHandler.h"
+
+namespace mosswick {
+
+class DesktopMotionSetting;
+class DisplayEnvironment;
+class DesktopProbe;
+class HotKeyService;
+class KeyboardLayout;
+class PanelWindowHints;
+class X11Connection;
+class X11DirectSaveReceiver;
+
+// The session's desktop services, chosen once at start-up: X11 where Qt runs on xcb (XWayland
+// included), the portal for the shortcut on Wayland when the desktop offers it, and do-nothing
+// stand-ins elsewhere. Owns them all; the logic sees only their interfaces.
+class DesktopBackends {
+public:
+    static DesktopBackends forThisSession();
+
+    DesktopBackends(DesktopBackends&&) noexcept;
+    ~DesktopBackends();
+
+    DisplayEnvironment& displays() { return *displays_; }
+    DesktopMotionSetting& desktopMotion() { return *desktopMotion_; }
+    DesktopProbe& probe() { return *probe_; }
+    HotKeyService& hotKeys() { return *hotKeys_; }
+    PanelWindowHints& panelHints() { return *panelHints_; }
+    // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
+    ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
+
+private:
+    DesktopBackends();
+
+    std::unique_ptr<X11Connection> x11_;
+    std::unique_ptr<DisplayEnvironment> displays_;
+    std::unique_ptr<DesktopMotionSetting> desktopMotion_;
+    std::unique_ptr<DesktopProbe> probe_;
+    std::unique_ptr<KeyboardLayout> layout_;
+    std::unique_ptr<HotKeyService> hotKeys_;
+    std::unique_ptr<PanelWindowHints> panelHints_;
+    std::unique_ptr<X11DirectSaveReceiver> directSave_;
+};
+
+}  // namespace mosswick

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace mosswick {
+
+// What the shelf's window asks of the window system beyond what Qt sets: to be left out of task
+// bars and pagers and kept on every workspace, and whether a compositor runs (a see-through window
+// needs one). Window ids are the native ids Qt gives.
+class PanelWindowHints {
+public:
+    virtual ~PanelWindowHints() = default;
+
+    // Read by the window manager when the window is mapped and dropped when it is withdrawn: call it
+    // before every map, on the unmapped window.
+    virtual void keepOffTaskbarOnAllWorkspaces(quintptr window) = 0;
+    virtual bool compositorRunning(quintptr window) const = 0;
+};
+
+// Where no window system can be asked: nothing to set, and a compositor is taken to run (Wayland
+// always composites; offscreen has nothing to cut).
+class NoPanelWindowHints final : public PanelWindowHints {
+public:
+    void keepOffTaskbarOnAllWorkspaces(quintptr) override {}
+    bool compositorRunning(quintptr) const override { return true; }
+};
+
+}  // namespace mosswick

@@ -1,0 +1,17 @@
+#include "shelf/ShelfPanelFactory.h"
+
+#include "shelf/QtShelfPanelSurface.h"
+#include "shelf/ShelfContentView.h"
+#include "shelf/ShelfPanel.h"
+
+namespace mosswick {
+
+std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRect&) const {
+    // The controller places the new panel itself before showing it.
+    auto* panel = new ShelfPanel(parts_.store, parts_.motion, parts_.hints);
+    panel->contentView().setDropHandler(&parts_.drops);
+    if (onPanelMade) onPanelMade(*panel);
+    return std::make_unique<QtShelfPanelSurface>(panel);
+}
+
+}  // namespace mosswick

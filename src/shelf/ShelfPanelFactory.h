@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "shelf/ReducedMotion.h"
+#include "shelf/ShelfPanelSurface.h"
+
+namespace mosswick {
+
+class PanelWindowHints;
+class ShelfDropHandler;
+class ShelfPanel;
+class ShelfStore;
+
+// Makes the shelf's window when the window controller first needs it: the panel over the store,
+// its drops handed to the drop handler, wrapped as the surface the controller moves.
+class ShelfPanelFactory {
+public:
+    struct Parts {
+        ShelfStore& store;
+        ReducedMotion motion;
+        PanelWindowHints& hints;
+        ShelfDropHandler& drops;
+    };
+
+    explicit ShelfPanelFactory(Parts parts) : parts_(parts) {}
+
+    std::unique_ptr<ShelfPanelSurface> operator()(const ScreenRect& frame) const;
+
+    // Sees each panel as it is made (benchmarks watch its first frame).
+    std::function<void(ShelfPanel&)> onPanelMade;
+
+private:
+    Parts parts_;
+};
+
+}  // namespace mosswick

@@ -1,0 +1,15 @@
+# What brings the shelf up: the drag monitor and the global shortcut, with the key codes, key names
+# and keyboard layout the shortcut is shown and stored with.
+set(MOSSWICK_TRIGGERS_SOURCES
+  DesktopProbe.h
+  DummyDesktopProbe.h
+  DragMonitor.h DragMonitor.cpp
+  EvdevKeyCodes.h EvdevKeyCodes.cpp
+  KeyboardLayout.h KeyboardLayout.cpp
+  KeyCodeNames.h KeyCodeNames.cpp
+  KeyCombo.h KeyCombo.cpp
+  HotKeyService.h
+  DummyHotKeyService.h
+  HotKeyManager.h HotKeyManager.cpp
+  SystemLog.h SystemLog.cpp
+)
