@@ -15,8 +15,10 @@ all: build
 deps:
 	@bash tools/install-deps.sh
 
+# The tested tree is what packagers build (Release: -O3, whose extra warnings -Werror then
+# catches), with debug information for the tests' backtraces.
 configure: deps
-	@cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOSSWICK_WERROR=ON >/dev/null
+	@cmake -S . -B $(BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS=-g -DMOSSWICK_WERROR=ON >/dev/null
 
 build: configure
 	@cmake --build $(BUILD) -j $(JOBS)
@@ -35,13 +37,13 @@ unit-test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS) -L unit
 
 sanitize-test: deps
-	@cmake -S . -B $(ASAN_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DMOSSWICK_SANITIZE=ON -DMOSSWICK_BUILD_APP=OFF >/dev/null
+	@cmake -S . -B $(ASAN_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=Debug -DMOSSWICK_SANITIZE=ON -DMOSSWICK_WERROR=ON -DMOSSWICK_BUILD_APP=OFF >/dev/null
 	@cmake --build $(ASAN_BUILD) -j $(JOBS)
 	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
 		ctest --output-on-failure -j $(JOBS) -L unit
 
 fuzz-build: deps
-	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOSSWICK_FUZZ=ON >/dev/null
+	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(CMAKE_GEN) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOSSWICK_WERROR=ON -DMOSSWICK_FUZZ=ON >/dev/null
 	@cmake --build $(FUZZ_BUILD) -j $(JOBS)
 
 fuzz: fuzz-build

@@ -2,34 +2,13 @@
 
 #include "ingest/DropIngest.h"
 #include "ingest/Pasteboard.h"
-#include "ingest/TypeNameSet.h"
+#include "ingest/PasteboardTypes.h"
 #include "model/ShelfStore.h"
 
 namespace mosswick::ClipboardImport {
 
-const std::vector<InterestingType>& interestingTypes() {
-    static const std::vector<InterestingType> types = {
-        {"file URLs", {QStringLiteral("text/uri-list"), QStringLiteral("x-special/gnome-copied-files")}},
-        {"URL", {QStringLiteral("text/x-moz-url"), QStringLiteral("_NETSCAPE_URL")}},
-        {"PNG", {QStringLiteral("image/png")}},
-        {"TIFF", {QStringLiteral("image/tiff")}},
-        {"PDF", {QStringLiteral("application/pdf")}},
-        {"rich text",
-         {QStringLiteral("text/rtf"), QStringLiteral("application/rtf"), QStringLiteral("text/html")}},
-        {"plain text",
-         {QStringLiteral("text/plain"), QStringLiteral("text/plain;charset=utf-8"),
-          QStringLiteral("UTF8_STRING"), QStringLiteral("STRING"), QStringLiteral("TEXT")}},
-    };
-    return types;
-}
-
 bool clipboardHasSomethingToAdd(const Pasteboard& clipboard) {
-    static const TypeNameSet names = [] {
-        QStringList all;
-        for (const InterestingType& type : interestingTypes()) all << type.names;
-        return TypeNameSet(all);
-    }();
-    return names.containsAnyOf(clipboard.types());
+    return PasteboardTypes::takenFromClipboard(clipboard.types());
 }
 
 bool addContentsOfClipboard(const Services& services) {

@@ -15,17 +15,8 @@ class Pasteboard;
 // aside), and brings the shelf up to show them. Main thread only.
 namespace ClipboardImport {
 
-// One kind of content that makes the clipboard worth importing, with the names it goes by.
-struct InterestingType {
-    const char* kind;
-    QStringList names;
-};
-
-// Seven kinds, in order: file URLs, URL, PNG, TIFF, PDF, rich text, plain text.
-const std::vector<InterestingType>& interestingTypes();
-
-// True when the clipboard offers any name of an interesting type (case and blanks around
-// parameters aside). Looser than ingestion: rich text or PDF alone passes, and may yield nothing.
+// True when the clipboard offers a type worth importing (files, links, PNG, TIFF, PDF, rich or
+// plain text; PasteboardTypes). Looser than ingestion: what passes may still yield nothing.
 bool clipboardHasSomethingToAdd(const Pasteboard& clipboard);
 
 struct Services {

@@ -69,7 +69,13 @@ std::optional<ShelfItem> readWebURL(const Pasteboard& pasteboard, const IngestSe
 
 std::optional<ShelfItem> readImage(const Pasteboard& pasteboard, const IngestServices& services) {
     const QImage image = pasteboard.image();
-    if (image.isNull()) return std::nullopt;
+    if (image.isNull()) {
+        // A document offered only as data (a page dragged out of a PDF viewer) is kept as it is.
+        const QByteArray pdf = pasteboard.document();
+        if (pdf.isEmpty()) return std::nullopt;
+        const QString name = DroppedFileNames::forDocument(services.now());
+        return written(services, name, pdf, QStringLiteral("application/pdf"), name);
+    }
     QByteArray png;
     QBuffer buffer(&png);
     if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG") || png.isEmpty()) {

@@ -19,7 +19,8 @@ namespace ContentItems {
 // "Link").
 std::optional<ShelfItem> readWebURL(const Pasteboard& pasteboard, const IngestServices& services);
 
-// The image as PNG, named by the moment it was added.
+// The image as PNG, named by the moment it was added; else a PDF document as it came, named the
+// same way.
 std::optional<ShelfItem> readImage(const Pasteboard& pasteboard, const IngestServices& services);
 
 // The whole plain text, untrimmed, as UTF-8, named by its first line. Nothing for a text of

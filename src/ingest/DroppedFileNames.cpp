@@ -80,6 +80,11 @@ QString forImage(const QDateTime& moment) {
            QStringLiteral(".png");
 }
 
+QString forDocument(const QDateTime& moment) {
+    return QStringLiteral("Document ") + moment.toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss")) +
+           QStringLiteral(".pdf");
+}
+
 QByteArray forPromise(const QByteArray& proposed, const QString& mimeType) {
     QByteArray name = proposed;
     name.replace('/', '-');

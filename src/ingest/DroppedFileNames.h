@@ -23,6 +23,8 @@ QString forText(const QString& text);
 
 // "Image 2024-05-01 at 13.07.09.png", in the moment's own time zone.
 QString forImage(const QDateTime& moment);
+// "Document " and the same moment, ".pdf".
+QString forDocument(const QDateTime& moment);
 
 // The proposed name made safe: "/" and NUL turned into "-", surrounding blanks dropped. With
 // nothing usable left, "Incoming" and the type's usual extension ("Incoming.pdf"), or "Incoming"

@@ -44,6 +44,8 @@ public:
     virtual std::optional<QString> string(Text kind) const = 0;
     // The image on offer, decoded; null when there is none or none that decodes.
     virtual QImage image() const = 0;
+    // A PDF document on offer, as its bytes; empty when there is none.
+    virtual QByteArray document() const { return {}; }
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(Pasteboard::Kinds)

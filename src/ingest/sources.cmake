@@ -7,7 +7,8 @@ set(MOSSWICK_INGEST_SOURCES
   DesktopLinkFile.h DesktopLinkFile.cpp
   AliasFiles.h AliasFiles.cpp
   TypeByName.h TypeByName.cpp
-  TypeNameSet.h TypeNameSet.cpp
+  PasteboardTypes.h PasteboardTypes.cpp
+  RichText.h RichText.cpp
   FileItems.h FileItems.cpp
   PromisedItems.h PromisedItems.cpp
   PromiseFolder.h PromiseFolder.cpp

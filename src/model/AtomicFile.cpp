@@ -15,8 +15,12 @@ std::string failure(const char* step, const std::filesystem::path& path) {
 }  // namespace
 
 namespace {
+// Built by appending: GCC 12 at -O3 warns (-Wrestrict) about its own inlined `"." + std::string`.
 std::string temporaryPrefix(const std::filesystem::path& target) {
-    return "." + target.filename().string() + ".";
+    std::string prefix(1, '.');
+    prefix += target.filename().string();
+    prefix += '.';
+    return prefix;
 }
 }  // namespace
 
@@ -31,8 +35,9 @@ void removeLeftovers(const std::filesystem::path& target) {
 }
 
 std::string write(const std::filesystem::path& target, const QByteArray& bytes, int mode) {
-    const auto name =
-        temporaryPrefix(target) + std::to_string(QRandomGenerator::global()->generate64()) + ".tmp";
+    std::string name = temporaryPrefix(target);
+    name += std::to_string(QRandomGenerator::global()->generate64());
+    name += ".tmp";
     const std::filesystem::path temporary = target.parent_path() / name;
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (fd < 0) return failure("create", temporary);

@@ -10,7 +10,7 @@
 #include "interaction/ShelfView.h"
 #include "model/ShelfStore.h"
 #include "shelf/ShelfDropHandler.h"
-#include "shelf/ShelfDropTypes.h"
+#include "ingest/PasteboardTypes.h"
 
 namespace mosswick {
 
@@ -44,7 +44,8 @@ void ShelfContentView::resizeEvent(QResizeEvent*) { shelfView_->setGeometry(rect
 
 void ShelfContentView::dragEnterEvent(QDragEnterEvent* event) {
     // Tiles dragged out of the shelf are not taken back by it.
-    if (event->source() || !event->mimeData() || !ShelfDropTypes::accepts(event->mimeData()->formats())) {
+    if (event->source() || !event->mimeData() ||
+        !PasteboardTypes::takenOnDrop(event->mimeData()->formats())) {
         event->ignore();
         return;
     }

@@ -18,7 +18,6 @@ list(APPEND MOSSWICK_SHELF_SOURCES
   ReducedMotion.h ReducedMotion.cpp
   PanelWindowHints.h
   ShelfDropHandler.h
-  ShelfDropTypes.h ShelfDropTypes.cpp
   ShelfDropIngestHandler.h ShelfDropIngestHandler.cpp
 )
 # The shelf's window.

@@ -1,5 +1,6 @@
 #include "triggers/DragMonitor.h"
 
+#include "ingest/PasteboardTypes.h"
 #include "model/Preferences.h"
 #include "triggers/DummyDesktopProbe.h"
 
@@ -37,13 +38,6 @@ DragMonitor& DragMonitor::shared() {
 }
 
 void DragMonitor::setShared(DragMonitor* monitor) { installed = monitor; }
-
-const QStringList& DragMonitor::shelvableTypes() {
-    // The file URL type, the URL types browsers use for links, and X Direct Save's promise.
-    static const QStringList types{QStringLiteral("text/uri-list"), QStringLiteral("text/x-moz-url"),
-                                   QStringLiteral("_NETSCAPE_URL"), QStringLiteral("XdndDirectSave0")};
-    return types;
-}
 
 void DragMonitor::start() {
     if (started_) return;
@@ -159,12 +153,7 @@ void DragMonitor::settleGesture() {
     pendingChange_.reset();
 }
 
-bool DragMonitor::carriesSomethingShelvable() {
-    const QStringList types = probe_.dragTypes();
-    for (const QString& type : shelvableTypes())
-        if (types.contains(type)) return true;
-    return false;
-}
+bool DragMonitor::carriesSomethingShelvable() { return PasteboardTypes::bringsShelfUp(probe_.dragTypes()); }
 
 bool DragMonitor::shouldReactToCurrentApp() {
     const QStringList& ignored = preferences_.ignoredApplications();

@@ -41,10 +41,6 @@ public:
         return std::optional<QRectF>{};
     };
 
-    // Types whose presence on the drag pasteboard makes a drag worth showing the shelf for: file
-    // and web links, and promised files.
-    static const QStringList& shelvableTypes();
-
     void start();
     // Ends watching without reporting the end of a drag in progress.
     void stop();

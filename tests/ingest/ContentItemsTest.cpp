@@ -76,6 +76,17 @@ TEST_F(ContentItemsTest, AnImageBecomesAPngNamedByTheMoment) {
     EXPECT_EQ(written.convertToFormat(QImage::Format_RGB32), picture.convertToFormat(QImage::Format_RGB32));
 }
 
+TEST_F(ContentItemsTest, APdfWithoutAnImageIsKeptAsItCameNamedByTheMoment) {
+    FakePasteboard pasteboard;
+    pasteboard.pdf = QByteArrayLiteral("%PDF-1.4\n%\xe2\xe3\n1 0 obj\n");
+    pasteboard.plainText = QStringLiteral("the page's words");
+
+    const ShelfItem item = only(pasteboard);
+    expectInItsFolder(item, QStringLiteral("Document 2024-05-01 at 13.07.09.pdf"));
+    EXPECT_EQ(item.contentTypeIdentifier, QStringLiteral("application/pdf"));
+    EXPECT_EQ(readFile(itemFile(item)), pasteboard.pdf.toStdString());
+}
+
 TEST_F(ContentItemsTest, ATextIsKeptWholeAndUntrimmedAsUtf8) {
     const QString text = QStringLiteral("\n  Grüße/Hello: x  \r\nzweite Zeile \u2603\n\n");
     FakePasteboard pasteboard;

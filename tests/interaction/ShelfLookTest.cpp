@@ -9,7 +9,6 @@
 #include "interaction/ShelfPalette.h"
 #include "interaction/ShelfSymbols.h"
 #include "interaction/SpringCurve.h"
-#include "shelf/ShelfDropTypes.h"
 
 namespace mosswick {
 namespace {
@@ -62,35 +61,6 @@ TEST(SpringCurveTest, ACriticallyDampedSpringNeverOvershoots) {
         last = v;
     }
 }
-
-struct DropRow {
-    const char* name;
-    QStringList offered;
-    bool accepted;
-};
-
-class ShelfDropTypesTest : public ::testing::TestWithParam<DropRow> {};
-
-TEST_P(ShelfDropTypesTest, TakesFilesLinksImagesTextAndPromisesOnly) {
-    EXPECT_EQ(ShelfDropTypes::accepts(GetParam().offered), GetParam().accepted);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, ShelfDropTypesTest,
-    ::testing::Values(
-        DropRow{"fileManager", {"text/uri-list"}, true},
-        DropRow{"browserLink", {"text/x-moz-url", "text/html"}, true},
-        DropRow{"netscapeLink", {"_NETSCAPE_URL"}, true},
-        DropRow{"archiveEntryPromise", {"XdndDirectSave0"}, true},
-        DropRow{"chromiumImage", {"XdndDirectSave0", "application/octet-stream", "text/x-moz-url"}, true},
-        DropRow{"png", {"image/png"}, true}, DropRow{"tiff", {"image/tiff"}, true},
-        DropRow{"jpeg", {"image/jpeg"}, true}, DropRow{"qtImage", {"application/x-qt-image"}, true},
-        DropRow{"utf8TextSpelledLoosely", {"TEXT/PLAIN; charset=UTF-8"}, true},
-        DropRow{"utf8String", {"UTF8_STRING"}, true}, DropRow{"plainText", {"text/plain"}, true},
-        DropRow{"htmlOnly", {"text/html"}, false},
-        DropRow{"privateModelData", {"application/x-qabstractitemmodeldatalist"}, false},
-        DropRow{"nothing", {}, false}),
-    [](const auto& row) { return std::string(row.param.name); });
 
 struct GlyphRow {
     const char* name;

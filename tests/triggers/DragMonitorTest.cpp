@@ -75,6 +75,8 @@ protected:
                 desktop.send(DesktopProbe::Event::dragPasteboardChanged);
             else if (step == u"file")
                 putOnPasteboard({QStringLiteral("text/uri-list"), QStringLiteral("text/plain")});
+            else if (step == u"looseFile")  // as some toolkits spell it
+                putOnPasteboard({QStringLiteral("Text/URI-List")});
             else if (step == u"link")
                 putOnPasteboard({QStringLiteral("text/x-moz-url"), QStringLiteral("UTF8_STRING")});
             else if (step == u"promise")
@@ -139,6 +141,7 @@ const Gesture kGestures[] = {
     {"windowMove", "down drag drag +0.2 drag up", ""},
     {"fileDrag", "down file drag drag up", "began ended"},
     {"linkDrag", "down link drag up", "began ended"},
+    {"fileTypeSpelledLoosely", "down looseFile drag up", "began ended"},
     {"promisedFile", "down promise drag up", "began ended"},
     {"textOnly", "down text drag +0.3 drag +0.3 drag up", ""},
     {"emptyTypeList", "down nothing drag +0.1 drag up", ""},

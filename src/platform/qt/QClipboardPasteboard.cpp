@@ -27,4 +27,6 @@ std::optional<QString> QClipboardPasteboard::string(Text kind) const {
 
 QImage QClipboardPasteboard::image() const { return contents_ ? contents_->image() : QImage(); }
 
+QByteArray QClipboardPasteboard::document() const { return contents_ ? contents_->document() : QByteArray(); }
+
 }  // namespace mosswick

@@ -19,6 +19,7 @@ public:
     std::vector<Object> objects(Kinds kinds) const override;
     std::optional<QString> string(Text kind) const override;
     QImage image() const override;
+    QByteArray document() const override;
 
 private:
     // Null when the clipboard holds nothing at all.

@@ -3,20 +3,20 @@
 #include <QMimeData>
 #include <algorithm>
 
+#include "ingest/PasteboardTypes.h"
+#include "ingest/RichText.h"
 #include "platform/qt/MimeLinks.h"
 
 namespace mosswick {
 
 namespace {
 
-const char* const kDirectSave = "XdndDirectSave0";
-const char* const kUriList = "text/uri-list";
-const char* const kGnomeCopiedFiles = "x-special/gnome-copied-files";
-const char* const kMozUrl = "text/x-moz-url";
-const char* const kNetscapeUrl = "_NETSCAPE_URL";
-const char* const kImageTypes[] = {"image/png", "image/tiff", "image/jpeg"};
-const char* const kQtImage = "application/x-qt-image";
-const char* const kTextTypes[] = {"text/plain;charset=utf-8", "text/plain", "UTF8_STRING"};
+const QString kGnomeCopiedFiles = QStringLiteral("x-special/gnome-copied-files");
+const QString kMozUrl = QStringLiteral("text/x-moz-url");
+const QString kNetscapeUrl = QStringLiteral("_NETSCAPE_URL");
+const QString kQtImage = QStringLiteral("application/x-qt-image");
+const QString kPdf = QStringLiteral("application/pdf");
+const QString kHtml = QStringLiteral("text/html");
 
 }  // namespace
 
@@ -26,30 +26,25 @@ QMimeDataPasteboard::QMimeDataPasteboard(const QMimeData& data, PromiseFactory p
 QStringList QMimeDataPasteboard::types() const { return data_.formats(); }
 
 // The type as the data spells it, when it lists it.
-std::optional<QString> QMimeDataPasteboard::listed(const char* type) const {
-    const QStringList formats = data_.formats();
-    const auto found = std::find_if(formats.begin(), formats.end(), [type](const QString& format) {
-        return format.compare(QLatin1String(type), Qt::CaseInsensitive) == 0;
-    });
-    if (found == formats.end()) return std::nullopt;
-    return *found;
+std::optional<QString> QMimeDataPasteboard::listed(const QString& type) const {
+    return PasteboardTypes::find(data_.formats(), type);
 }
 
-bool QMimeDataPasteboard::offers(const char* type) const { return listed(type).has_value(); }
+bool QMimeDataPasteboard::offers(const QString& type) const { return listed(type).has_value(); }
 
-QByteArray QMimeDataPasteboard::read(const char* type) const {
+QByteArray QMimeDataPasteboard::read(const QString& type) const {
     const std::optional<QString> format = listed(type);
     return format ? data_.data(*format) : QByteArray();
 }
 
 // Files and links in list order: the URI list where there is one, else the file manager's copy.
 std::vector<QUrl> QMimeDataPasteboard::listedUrls() const {
-    if (offers(kUriList)) return MimeLinks::uriList(read(kUriList));
+    if (offers(PasteboardTypes::fileList)) return MimeLinks::uriList(read(PasteboardTypes::fileList));
     return MimeLinks::gnomeCopiedFiles(read(kGnomeCopiedFiles));
 }
 
 std::vector<Pasteboard::Object> QMimeDataPasteboard::objects(Kinds kinds) const {
-    if (kinds.testFlag(Kind::filePromise) && promises_ && offers(kDirectSave)) {
+    if (kinds.testFlag(Kind::filePromise) && promises_ && offers(PasteboardTypes::directSave)) {
         if (std::shared_ptr<FilePromise> promise = promises_(data_)) return {promise};
     }
     std::vector<Object> objects;
@@ -79,21 +74,37 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
         }
         return std::nullopt;
     }
-    for (const char* type : kTextTypes) {
-        const QString text = QString::fromUtf8(read(type));
+    static const QStringList plainTypes = PasteboardTypes::names(PasteboardContent::text);
+    for (const QString& type : plainTypes) {
+        const QByteArray bytes = read(type);
+        // The older X text types are Latin-1; the rest UTF-8.
+        const QString text = type == QLatin1String("STRING") || type == QLatin1String("TEXT")
+                                 ? QString::fromLatin1(bytes)
+                                 : QString::fromUtf8(bytes);
+        if (!text.isEmpty()) return text;
+    }
+    // Formatted text alone still gives its words.
+    static const QStringList richTypes = PasteboardTypes::names(PasteboardContent::richText);
+    for (const QString& type : richTypes) {
+        const QByteArray bytes = read(type);
+        if (bytes.isEmpty()) continue;
+        const QString text = type == kHtml ? RichText::fromHtml(bytes) : RichText::fromRtf(bytes);
         if (!text.isEmpty()) return text;
     }
     return std::nullopt;
 }
 
 QImage QMimeDataPasteboard::image() const {
-    for (const char* type : kImageTypes) {
-        if (!offers(type)) continue;
+    static const QStringList imageTypes = PasteboardTypes::names(PasteboardContent::image);
+    for (const QString& type : imageTypes) {
+        if (type == kQtImage || !offers(type)) continue;
         QImage image = QImage::fromData(read(type));
         if (!image.isNull()) return image;
     }
     if (offers(kQtImage)) return qvariant_cast<QImage>(data_.imageData());
     return {};
 }
+
+QByteArray QMimeDataPasteboard::document() const { return read(kPdf); }
 
 }  // namespace mosswick

@@ -16,6 +16,7 @@ public:
     std::optional<QString> linkTitle;
     // Decoded on request, as a real pasteboard does: bytes that are no image give no image.
     QByteArray imageBytes;
+    QByteArray pdf;
 
     FakePasteboard& withFile(const std::filesystem::path& file);
     FakePasteboard& withUrl(const QString& url);
@@ -27,6 +28,7 @@ public:
     std::vector<Object> objects(Kinds kinds) const override;
     std::optional<QString> string(Text kind) const override;
     QImage image() const override;
+    QByteArray document() const override { return pdf; }
 };
 
 }  // namespace mosswick::testing

@@ -113,6 +113,28 @@ TEST(QMimeDataPasteboard, ReadsTextOnlyWhereTextIsOffered) {
               QStringLiteral("from an old program"));
 }
 
+TEST(QMimeDataPasteboard, FormattedTextAloneGivesItsWordsAndPlainTextWinsOverIt) {
+    QMimeData html;
+    // Firefox offers its HTML in UTF-16 with a byte-order mark.
+    const QString page = QStringLiteral("<p>Grüße <b>aus</b> Köln</p>");
+    QByteArray utf16("\xff\xfe", 2);
+    utf16.append(reinterpret_cast<const char*>(page.utf16()), page.size() * 2);
+    html.setData(QStringLiteral("text/html"), utf16);
+    EXPECT_EQ(QMimeDataPasteboard(html).string(Pasteboard::Text::plain), QStringLiteral("Grüße aus Köln"));
+
+    QMimeData rtf;
+    rtf.setData(QStringLiteral("text/rtf"), "{\\rtf1\\ansi{\\fonttbl{\\f0 Serif;}}\\f0 caf\\'e9\\par done}");
+    EXPECT_EQ(QMimeDataPasteboard(rtf).string(Pasteboard::Text::plain), QStringLiteral("café\ndone"));
+
+    html.setData(QStringLiteral("text/plain"), "the plain one");
+    EXPECT_EQ(QMimeDataPasteboard(html).string(Pasteboard::Text::plain), QStringLiteral("the plain one"));
+
+    QMimeData pdf;
+    pdf.setData(QStringLiteral("application/pdf"), "%PDF-1.7");
+    EXPECT_EQ(QMimeDataPasteboard(pdf).document(), QByteArray("%PDF-1.7"));
+    EXPECT_TRUE(QMimeDataPasteboard(html).document().isEmpty());
+}
+
 TEST(QMimeDataPasteboard, ADirectSaveDragIsOnePromiseAndItsListIsNotRead) {
     QMimeData data;
     data.setData(QStringLiteral("XdndDirectSave0"), {});
