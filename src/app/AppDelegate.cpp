@@ -43,14 +43,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     };
     hotKeys.registerCombo(KeyCombo::load(services_.defaults));
 
-    ShelfPresentation& presentation = controller.presentation();
-    presentation.isDragging = false;
-    presentation.isSummoned = false;
-    presentation.isPreviewing = false;
-    presentation.keepsEmptyShelfUp = false;
-    presentation.hasContent = !services_.store.items().empty();
-    presentation.isSuppressed = true;
-    controller.applyPresentation(false, 0);
+    controller.resetToHidden();
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {

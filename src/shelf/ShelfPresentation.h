@@ -19,6 +19,24 @@ struct ShelfPresentation {
         return !isSuppressed && (isDragging || hasContent || isSummoned || isPreviewing || keepsEmptyShelfUp);
     }
 
+    // The transitions; every change of the flags goes through one of these.
+
+    // Brought up on purpose (the shortcut, the menu, a second launch, a clipboard import).
+    void summon();
+    // Put away on purpose (Escape, the shortcut's tap on a shown shelf): every reason is dropped
+    // and the veto holds until content arrives or the shelf is brought up again.
+    void dismiss();
+    // Dismissed when it wants to be shown, else summoned.
+    void toggle();
+    void dragBegan();
+    void dragEnded();
+    // A position or size is being shown off.
+    void startPreview();
+    void endPreview();
+    // At start-up: hidden, whatever the restored shelf holds.
+    void resetHidden(bool nowHasContent);
+    // The user asked for empty shelves to hide.
+    void emptyShelvesHide();
     // Content arriving lifts the veto; the last item leaving a shelf that was up for a reason
     // keeps it up when the user does not want empty shelves hidden.
     void contentChanged(bool nowHasContent, bool hideWhenEmpty);

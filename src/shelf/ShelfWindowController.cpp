@@ -4,6 +4,7 @@
 
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "shelf/ReducedMotion.h"
 #include "shelf/WindowPlacement.h"
 
 namespace mosswick {
@@ -38,44 +39,34 @@ void ShelfWindowController::setShared(ShelfWindowController* controller) { insta
 // --- Transitions -------------------------------------------------------------------------------
 
 void ShelfWindowController::toggle() {
-    if (presentation_.wantsToBeShown()) {
-        cancelPreview();
-        presentation_.isSuppressed = true;
-        presentation_.isDragging = false;
-        presentation_.isSummoned = false;
-        presentation_.isPreviewing = false;
-        presentation_.keepsEmptyShelfUp = false;
-    } else {
-        presentation_.isSuppressed = false;
-        presentation_.isSummoned = true;
-        presentation_.isPreviewing = false;
-    }
+    presentation_.toggle();
+    // Put away: a pending preview's end has nothing left to do.
+    if (presentation_.isSuppressed) cancelPreview();
     applyPresentation(true, 0);
 }
 
 void ShelfWindowController::summon() {
-    presentation_.isSuppressed = false;
-    presentation_.isSummoned = true;
-    presentation_.isPreviewing = false;
+    presentation_.summon();
     applyPresentation(true, 0);
 }
 
 void ShelfWindowController::escape() {
     cancelPreview();
-    presentation_.isDragging = false;
-    presentation_.isSummoned = false;
-    presentation_.isPreviewing = false;
-    presentation_.keepsEmptyShelfUp = false;
-    presentation_.isSuppressed = true;
+    presentation_.dismiss();
     applyPresentation(true, 0);
+}
+
+void ShelfWindowController::resetToHidden() {
+    cancelPreview();
+    presentation_.resetHidden(!store_.items().empty());
+    applyPresentation(false, 0);
 }
 
 void ShelfWindowController::dragBegan() {
     if (!preferences_.automaticallyShow()) return;
     const ShowTrigger trigger = preferences_.showTrigger();
     if (trigger == ShowTrigger::dragToScreenEdge) return;
-    presentation_.isSuppressed = false;
-    presentation_.isDragging = true;
+    presentation_.dragBegan();
     if (trigger == ShowTrigger::dragStartsAtCursor) anchorToPointerIfAppearing();
     applyPresentation(true, 0);
 }
@@ -83,31 +74,29 @@ void ShelfWindowController::dragBegan() {
 void ShelfWindowController::dragReachedEdge() {
     if (!preferences_.automaticallyShow() || preferences_.showTrigger() != ShowTrigger::dragToScreenEdge)
         return;
-    presentation_.isSuppressed = false;
-    presentation_.isDragging = true;
+    presentation_.dragBegan();
     applyPresentation(true, 0);
 }
 
 void ShelfWindowController::dragEnded() {
-    presentation_.isDragging = false;
+    presentation_.dragEnded();
     applyPresentation(true, kDragEndedDelay);
 }
 
 void ShelfWindowController::previewPlacement() {
     cancelPreview();
-    presentation_.isSuppressed = false;
-    presentation_.isPreviewing = true;
+    presentation_.startPreview();
     applyPresentation(true, 0);
     previewWorkItem_ = scheduler_.after(kPreviewDuration, [this] {
         previewWorkItem_ = {};
-        presentation_.isPreviewing = false;
+        presentation_.endPreview();
         applyPresentation(true, 0);
     });
 }
 
 void ShelfWindowController::cancelPreview() {
     previewWorkItem_ = {};
-    presentation_.isPreviewing = false;
+    presentation_.endPreview();
 }
 
 void ShelfWindowController::anchorToPointerIfAppearing() {
@@ -247,7 +236,7 @@ qint64 ShelfWindowController::tileCount() const {
 }
 
 bool ShelfWindowController::mayAnimate() const {
-    return !preferences_.reduceMotion() && !desktopMotion_.reducesMotion();
+    return !ReducedMotion(preferences_, desktopMotion_).applies();
 }
 
 double ShelfWindowController::outwards() const {
@@ -294,7 +283,7 @@ void ShelfWindowController::preferenceChanged(Preference preference) {
             deliverLater([this, hideWhenEmpty = preferences_.hideWhenEmpty()] {
                 if (hideWhenEmpty == lastHideWhenEmpty_) return;
                 lastHideWhenEmpty_ = hideWhenEmpty;
-                if (hideWhenEmpty) presentation_.keepsEmptyShelfUp = false;
+                if (hideWhenEmpty) presentation_.emptyShelvesHide();
                 applyPresentation(true, 0);
             });
             break;

@@ -18,9 +18,9 @@ class Preferences;
 enum class Preference;
 class ShelfStore;
 
-// The one place that puts the shelf on screen or takes it away. Triggers change the reasons in
-// `presentation()` and ask for `applyPresentation`; the controller shows, hides, places and
-// animates the panel accordingly, and keeps it placed as preferences, the tile count and the
+// The one place that puts the shelf on screen or takes it away. Triggers call its transitions,
+// which change the reasons in `presentation()` and apply them; the controller shows, hides, places
+// and animates the panel accordingly, and keeps it placed as preferences, the tile count and the
 // displays change. Main thread only.
 class ShelfWindowController {
 public:
@@ -55,8 +55,7 @@ public:
     static ShelfWindowController& shared();
     static void setShared(ShelfWindowController* controller);
 
-    // Triggers set these flags, then call applyPresentation.
-    ShelfPresentation& presentation() { return presentation_; }
+    // Why the shelf is up or away; changed only through the transitions below.
     const ShelfPresentation& presentation() const { return presentation_; }
 
     // Re-evaluates after `afterDelay` seconds (0: now). A newer request replaces a pending one.
@@ -64,6 +63,8 @@ public:
 
     // The transitions.
     void toggle();
+    // At start-up: hidden, with the restored shelf's content noted.
+    void resetToHidden();
     void summon();
     void escape();
     void dragBegan();

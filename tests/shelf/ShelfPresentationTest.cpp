@@ -72,3 +72,76 @@ TEST(ShelfPresentation, WantsToBeShownForAnyReasonUnlessSuppressed) {
 }
 
 }  // namespace
+
+namespace {
+
+// Flags written as letters: d(ragging) s(ummoned) p(reviewing) c(ontent) k(eeps empty up)
+// x (suppressed).
+ShelfPresentation flags(const char* letters) {
+    ShelfPresentation p;
+    for (const char* c = letters; *c; ++c) {
+        switch (*c) {
+            case 'd':
+                p.isDragging = true;
+                break;
+            case 's':
+                p.isSummoned = true;
+                break;
+            case 'p':
+                p.isPreviewing = true;
+                break;
+            case 'c':
+                p.hasContent = true;
+                break;
+            case 'k':
+                p.keepsEmptyShelfUp = true;
+                break;
+            case 'x':
+                p.isSuppressed = true;
+                break;
+            default:
+                ADD_FAILURE() << "unknown flag " << *c;
+        }
+    }
+    return p;
+}
+
+struct TransitionRow {
+    const char* name;
+    const char* before;
+    void (ShelfPresentation::*transition)();
+    const char* after;
+};
+
+class Transitions : public ::testing::TestWithParam<TransitionRow> {};
+
+TEST_P(Transitions, ChangeExactlyTheirFlags) {
+    ShelfPresentation p = flags(GetParam().before);
+    (p.*GetParam().transition)();
+    EXPECT_EQ(p, flags(GetParam().after));
+}
+
+using P = ShelfPresentation;
+INSTANTIATE_TEST_SUITE_P(
+    Table, Transitions,
+    ::testing::Values(TransitionRow{"summonLiftsTheVetoAndEndsAPreview", "cpx", &P::summon, "cs"},
+                      TransitionRow{"dismissDropsEveryReasonButContent", "dspck", &P::dismiss, "cx"},
+                      TransitionRow{"toggleDismissesAShownShelf", "c", &P::toggle, "cx"},
+                      TransitionRow{"toggleSummonsASuppressedOne", "cx", &P::toggle, "cs"},
+                      TransitionRow{"toggleSummonsAnEmptyOne", "", &P::toggle, "s"},
+                      TransitionRow{"dragBeganLiftsTheVeto", "x", &P::dragBegan, "d"},
+                      TransitionRow{"dragEndedKeepsTheRest", "dsc", &P::dragEnded, "sc"},
+                      TransitionRow{"previewLiftsTheVeto", "cx", &P::startPreview, "cp"},
+                      TransitionRow{"previewEnds", "sp", &P::endPreview, "s"},
+                      TransitionRow{"emptyShelvesHide", "sk", &P::emptyShelvesHide, "s"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(ShelfPresentation, StartsHiddenWithWhateverTheShelfHolds) {
+    ShelfPresentation p = flags("dspk");
+    p.resetHidden(true);
+    EXPECT_EQ(p, flags("cx"));
+    p.resetHidden(false);
+    EXPECT_EQ(p, flags("x"));
+}
+
+}  // namespace

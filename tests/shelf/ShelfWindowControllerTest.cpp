@@ -378,8 +378,6 @@ TEST_F(ShelfWindowControllerTest, WithoutAutomaticShowingDragsOnlyEnd) {
     preferences.setAutomaticallyShow(false);
     controller->dragBegan();
     EXPECT_EQ(panel, nullptr);
-    controller->presentation().isDragging = true;
-    controller->dragEnded();
     EXPECT_FALSE(controller->presentation().isDragging);
 }
 
@@ -387,13 +385,12 @@ TEST_F(ShelfWindowControllerTest, AnEmptiedShelfStaysUpUntilEmptyShelvesShouldHi
     preferences.setHideWhenEmpty(false);
     clock.drain();
     store.add({item()});
-    controller->summon();
     clock.drain();
+    ASSERT_TRUE(controller->isShown());
     store.removeAll();
     clock.drain();
     EXPECT_TRUE(controller->presentation().keepsEmptyShelfUp);
-    controller->presentation().isSummoned = false;
-    controller->applyPresentation(true, 0);
+    EXPECT_FALSE(controller->presentation().isSummoned);
     EXPECT_TRUE(controller->isShown());
 
     preferences.setHideWhenEmpty(true);
