@@ -7,6 +7,8 @@
 #include <QtGlobal>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <vector>
 
 namespace mosswick::AppFiles {
@@ -47,7 +49,7 @@ std::filesystem::path dataHome() {
 const std::filesystem::path& root() {
     static const std::filesystem::path folder = [] {
         std::filesystem::path path = dataHome() / "Mosswick";
-        makePrivateDirectory(path);
+        makeOwnFolder(path);
         return path;
     }();
     return folder;
@@ -55,8 +57,31 @@ const std::filesystem::path& root() {
 
 std::filesystem::path stagingDirectory() {
     std::filesystem::path folder = root() / "Staged";
-    makePrivateDirectory(folder);
+    makeOwnFolder(folder);
     return folder;
+}
+
+bool makeOwnFolder(const std::filesystem::path& folder) {
+    struct stat info {};
+    if (::lstat(folder.c_str(), &info) == 0) {
+        if (S_ISDIR(info.st_mode) && info.st_uid == ::geteuid()) {
+            // Folders left readable by others (by an older version, or by hand) are closed again.
+            if ((info.st_mode & 07777) != S_IRWXU && ::chmod(folder.c_str(), S_IRWXU) != 0)
+                qWarning("Mosswick: could not make %s private: %s", folder.c_str(), std::strerror(errno));
+            return true;
+        }
+        // A link could send pruning into someone else's files; anything else is not ours to use.
+        std::filesystem::path aside = folder;
+        aside += ".set-aside-" + std::to_string(::time(nullptr));
+        if (::rename(folder.c_str(), aside.c_str()) != 0) {
+            qWarning("Mosswick: %s is not a folder of this user's and could not be set aside: %s",
+                     folder.c_str(), std::strerror(errno));
+            return false;
+        }
+        qWarning("Mosswick: %s was not a folder of this user's; it was set aside as %s", folder.c_str(),
+                 aside.c_str());
+    }
+    return makePrivateDirectory(folder);
 }
 
 std::filesystem::path saveFile() { return root() / "shelf.json"; }

@@ -16,6 +16,11 @@ std::filesystem::path stagingDirectory();
 // root()/"shelf.json".
 std::filesystem::path saveFile();
 
+// Makes sure `folder` is a real folder owned by this user and private to them: one left open to
+// others is closed to 0700, a symbolic link or anything else in its place is renamed aside
+// (logged) and a new folder made. False when that fails.
+bool makeOwnFolder(const std::filesystem::path& folder);
+
 // Creates `folder` and missing parents; the folders this creates are made 0700. False on failure.
 bool makePrivateDirectory(const std::filesystem::path& folder);
 

@@ -196,6 +196,54 @@ void pruneOrphans(const std::set<QUuid>& keeping) {
     }
 }
 
+std::vector<ShelfItem> recoverItems() {
+    struct Found {
+        ShelfItem item;
+        qint64 added;
+    };
+    std::vector<Found> found;
+    std::error_code error;
+    for (const auto& folder : std::filesystem::directory_iterator(directory(), error)) {
+        const std::optional<QUuid> id = uuidNamed(folder.path().filename().c_str());
+        if (!id || !isFolder(folder.path(), false)) continue;
+        std::vector<std::filesystem::path> entries;
+        std::error_code listing;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path(), listing)) {
+            if (entry.path().filename().c_str()[0] != '.') entries.push_back(entry.path());
+        }
+        if (entries.size() != 1) {
+            qCWarning(lcStaging) << "Left an item folder as it is:" << folder.path().c_str() << "holds"
+                                 << entries.size() << "entries";
+            continue;
+        }
+        ShelfItem item;
+        item.id = *id;
+        item.displayName = LocalPath::displayName(entries.front());
+        item.stagedURL = LocalPath::toUrl(entries.front(), isFolder(entries.front(), false));
+        item.contentTypeIdentifier = contentType(entries.front());
+        item.byteSize = deepFileSize(entries.front());
+        // The folder was made when the item came; its copy may be older (times are kept).
+        struct stat info {};
+        const qint64 added = ::lstat(folder.path().c_str(), &info) == 0 ? info.st_mtim.tv_sec : 0;
+        item.addedAt = Timestamp::fromDateTime(QDateTime::fromSecsSinceEpoch(added));
+        found.push_back({std::move(item), added});
+    }
+    std::sort(found.begin(), found.end(), [](const Found& a, const Found& b) { return a.added > b.added; });
+    std::vector<ShelfItem> items;
+    items.reserve(found.size());
+    for (Found& one : found) items.push_back(std::move(one.item));
+    return items;
+}
+
+bool holdsItsOwnCopy(const ShelfItem& item) {
+    if (!item.stagedURL) return true;
+    const std::optional<std::filesystem::path> copy = LocalPath::fromUrl(*item.stagedURL);
+    if (!copy) return false;
+    const std::filesystem::path folder = itemFolder(item.id).lexically_normal();
+    const std::filesystem::path inside = copy->lexically_normal().lexically_relative(folder);
+    return !inside.empty() && *inside.begin() != ".." && *inside.begin() != "." && isFolder(folder, false);
+}
+
 void discard(const QUuid& id) {
     if (const std::string error = FileRemover::removeAll(itemFolder(id)); !error.empty())
         qCInfo(lcStaging) << "Could not discard a copy:" << error.c_str();

@@ -7,6 +7,9 @@
 #include <set>
 #include <string>
 #include <variant>
+#include <vector>
+
+#include "model/ShelfItem.h"
 
 namespace mosswick {
 
@@ -49,6 +52,15 @@ Result<std::filesystem::path> promiseDestination(const QUuid& id);
 // Removes every entry of the staging directory that is not the folder of a kept item
 // (names are read as UUIDs in either case). Never fails.
 void pruneOrphans(const std::set<QUuid>& keeping);
+
+// Items for every item folder of the staging directory that holds one visible entry, newest folder
+// first: the shelf made anew when its save file is lost. Folders that are not plain folders, or
+// hold nothing or several entries, are left as they are.
+std::vector<ShelfItem> recoverItems();
+
+// True when the item has no staged copy, or its copy lies inside the item's own folder (a saved
+// record edited by hand or by another program may point anywhere).
+bool holdsItsOwnCopy(const ShelfItem& item);
 
 // Removes the item's folder and everything in it. Never fails.
 void discard(const QUuid& id);

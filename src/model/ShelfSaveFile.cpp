@@ -1,5 +1,6 @@
 #include "model/ShelfSaveFile.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,10 +27,34 @@ std::optional<std::vector<ShelfItem>> ShelfSaveFile::decode(const QByteArray& by
     return decodeLeniently<ShelfItem>(document.array());
 }
 
-std::optional<std::vector<ShelfItem>> ShelfSaveFile::read() const {
+ShelfSaveFile::Contents ShelfSaveFile::read() const {
+    std::error_code ignored;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(file_, ignored))) return {};
     QFile file(QString::fromStdString(file_.string()));
-    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
-    return decode(file.readAll());
+    if (!file.open(QIODevice::ReadOnly)) {
+        qCWarning(lcStore) << "Could not read the save file" << file_.c_str() << ":" << file.errorString();
+        return {Contents::State::damaged, {}};
+    }
+    std::optional<std::vector<ShelfItem>> items = decode(file.readAll());
+    if (!items) return {Contents::State::damaged, {}};
+    return {Contents::State::read, std::move(*items)};
+}
+
+std::optional<std::filesystem::path> ShelfSaveFile::setAside() const {
+    const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
+    std::filesystem::path aside = file_;
+    aside += ".damaged-" + moment.toStdString();
+    for (int attempt = 1; std::filesystem::exists(std::filesystem::symlink_status(aside)); ++attempt) {
+        aside = file_;
+        aside += ".damaged-" + moment.toStdString() + "-" + std::to_string(attempt);
+    }
+    std::error_code error;
+    std::filesystem::rename(file_, aside, error);
+    if (error) {
+        qCWarning(lcStore) << "Could not set the damaged save file aside:" << error.message().c_str();
+        return std::nullopt;
+    }
+    return aside;
 }
 
 bool ShelfSaveFile::write(const std::vector<ShelfItem>& items, std::uint64_t generation) {

@@ -25,8 +25,17 @@ public:
     // dropped.
     static std::optional<std::vector<ShelfItem>> decode(const QByteArray& bytes);
 
-    // Nothing when the file cannot be read or decoded.
-    std::optional<std::vector<ShelfItem>> read() const;
+    // What reading the file gave: nothing there yet, the shelf, or a file that exists but cannot
+    // be read or is no shelf at all (truncated, not JSON, nested past the parser's limit).
+    struct Contents {
+        enum class State { missing, read, damaged };
+        State state = State::missing;
+        std::vector<ShelfItem> items;
+    };
+    Contents read() const;
+    // Renames a damaged file to "shelf.json.damaged-<time>" beside it, for the user or a bug report;
+    // the new name, or nothing when it could not be moved.
+    std::optional<std::filesystem::path> setAside() const;
 
     // Numbers snapshots in the order they were taken (main thread).
     std::uint64_t nextGeneration() { return ++issued_; }

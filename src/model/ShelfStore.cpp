@@ -56,15 +56,36 @@ void ShelfStore::setTargeted(bool targeted) {
 void ShelfStore::restore() {
     AtomicFile::removeLeftovers(saveFile_->path());
     if (preferences_.restoreItemsOnLaunch()) {
-        if (auto saved = saveFile_->read()) {
-            for (ShelfItem& item : *saved) {
-                if (item.dragURL()) items_.push_back(std::move(item));
+        ShelfSaveFile::Contents saved = saveFile_->read();
+        if (saved.state == ShelfSaveFile::Contents::State::damaged) {
+            recoverFromDamagedSaveFile();
+            return;
+        }
+        for (ShelfItem& item : saved.items) {
+            if (!ItemStaging::holdsItsOwnCopy(item)) {
+                qCWarning(lcStore) << "Dropped a saved record whose copy lies outside its own folder:"
+                                   << item.id.toString(QUuid::WithoutBraces);
+                continue;
             }
+            if (item.dragURL()) items_.push_back(std::move(item));
         }
     }
     std::set<QUuid> keeping;
     for (const ShelfItem& item : items_) keeping.insert(item.id);
     ItemStaging::pruneOrphans(keeping);
+}
+
+void ShelfStore::recoverFromDamagedSaveFile() {
+    // The save file is the only list of what the staging area holds: pruning against a file that
+    // could not be read would delete every copy. Keep them all, and make the shelf from them.
+    const std::optional<std::filesystem::path> aside = saveFile_->setAside();
+    items_ = ItemStaging::recoverItems();
+    qCWarning(lcStore).noquote() << "The save file could not be read; it was set aside as"
+                                 << (aside ? QString::fromStdString(aside->filename().string())
+                                           : QStringLiteral("(nothing: it could not be moved)"))
+                                 << "and" << items_.size() << "items were recovered from the staging folder.";
+    recoveredFromDamage_ = true;
+    scheduleSave();
 }
 
 void ShelfStore::add(std::vector<ShelfItem> items) {
@@ -222,6 +243,7 @@ std::vector<ShelfTile> ShelfStore::tiles(const std::vector<ShelfItem>& items) {
 
 void ShelfStore::flush() {
     saveTask_.cancel();
+    unsavedSince_.reset();
     saveFile_->write(items_, saveFile_->nextGeneration());
 }
 
@@ -243,7 +265,11 @@ void ShelfStore::scheduleSave() {
     // the main thread. A write already running keeps the save file alive past the store.
     auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
     const std::uint64_t generation = saveFile_->nextGeneration();
-    saveTask_ = scheduler_.after(kSaveDelay, [this, snapshot, generation] {
+    const double now = scheduler_.now();
+    if (!unsavedSince_) unsavedSince_ = now;
+    const double delay = std::clamp(*unsavedSince_ + kLongestSaveWait - now, 0.0, kSaveDelay);
+    saveTask_ = scheduler_.after(delay, [this, snapshot, generation] {
+        unsavedSince_.reset();
         scheduler_.background(
             [snapshot, generation, file = saveFile_] { file->write(*snapshot, generation); });
     });

@@ -27,6 +27,9 @@ public:
     using Batch = std::vector<ShelfItem>;
     static constexpr int kRemovalHistoryLimit = 10;
     static constexpr double kSaveDelay = 0.4;
+    // A burst of changes (a big drop's copies finishing one by one) keeps restarting the delay;
+    // none waits longer than this for its save.
+    static constexpr double kLongestSaveWait = 1.0;
 
     // Restores the saved shelf at once (and prunes orphaned staging folders).
     ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
@@ -63,6 +66,8 @@ public:
     // Writes the shelf now, on this thread, cancelling the pending save.
     void flush();
     bool hasPendingSave() const { return saveTask_.isPending(); }
+    // The save file could not be read at start, and the shelf was made from the staging folder.
+    bool recoveredFromDamagedSaveFile() const { return recoveredFromDamage_; }
     const ShelfSaveFile& saveFile() const { return *saveFile_; }
 
 signals:
@@ -72,6 +77,7 @@ signals:
 
 private:
     void restore();
+    void recoverFromDamagedSaveFile();
     void enforceCapacity();
     void scheduleSave();
     void forget(const ShelfItem& item);  // staged copy and cached preview, for good
@@ -86,6 +92,9 @@ private:
     int removalHistoryLimit_ = kRemovalHistoryLimit;
     std::shared_ptr<ShelfSaveFile> saveFile_;
     ScheduledTask saveTask_;
+    // When the oldest change not yet saved was made; none when all are saved or being saved.
+    std::optional<double> unsavedSince_;
+    bool recoveredFromDamage_ = false;
 };
 
 }  // namespace mosswick

@@ -62,7 +62,9 @@ protected:
 
     std::vector<QString> savedNames() {
         auto saved = ShelfSaveFile(AppFiles::saveFile()).read();
-        return saved ? names(*saved) : std::vector<QString>{QStringLiteral("<no save file>")};
+        return saved.state == ShelfSaveFile::Contents::State::read
+                   ? names(saved.items)
+                   : std::vector<QString>{QStringLiteral("<no save file>")};
     }
 
     ManualScheduler clock;
@@ -292,7 +294,7 @@ TEST_F(ShelfStoreTest, RestoreKeepsItemsWithAFileAndPrunesEverythingElse) {
     EXPECT_FALSE(std::filesystem::exists(ItemStaging::directory() / "temp"));
 }
 
-TEST_F(ShelfStoreTest, AnUnusableSaveFileOrRestoreTurnedOffEmptiesTheStagingArea) {
+TEST_F(ShelfStoreTest, RestoreTurnedOffEmptiesTheStagingArea) {
     ShelfItem a;
     {
         auto store = makeStore();
@@ -304,14 +306,6 @@ TEST_F(ShelfStoreTest, AnUnusableSaveFileOrRestoreTurnedOffEmptiesTheStagingArea
     preferences.setRestoreItemsOnLaunch(false);
     EXPECT_TRUE(makeStore()->items().empty());
     EXPECT_FALSE(hasStagedFolder(a));
-
-    preferences.setRestoreItemsOnLaunch(true);
-    for (const char* bad : {"{\"items\": []}", "not json", ""}) {
-        const ShelfItem b = stagedItem("b");
-        testing::writeFile(AppFiles::saveFile(), bad);
-        EXPECT_TRUE(makeStore()->items().empty()) << bad;
-        EXPECT_FALSE(hasStagedFolder(b)) << bad;
-    }
 }
 
 TEST_F(ShelfStoreTest, ABadRecordIsDroppedAndTheRestLoad) {

@@ -1,0 +1,163 @@
+// The shelf keeps the only copy of a user's file: what a damaged save file, a hand-edited record, a
+// hostile data folder or a burst of changes must never cost.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "model/AppFiles.h"
+#include "model/DefaultsStore.h"
+#include "model/ItemStaging.h"
+#include "model/LocalPath.h"
+#include "model/Preferences.h"
+#include "model/ShelfStore.h"
+#include "support/ManualScheduler.h"
+#include "support/TestFolders.h"
+
+namespace mosswick {
+namespace {
+
+class SaveFileRecoveryTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        testing::clearAppData();
+        Scheduler::setShared(&clock);
+    }
+    void TearDown() override { Scheduler::setShared(nullptr); }
+
+    std::unique_ptr<ShelfStore> makeStore() {
+        return std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+    }
+
+    // A staged copy on disk, its folder dated `secondsAgo` back.
+    static ShelfItem staged(const std::string& name, int secondsAgo = 0) {
+        ShelfItem item;
+        item.id = QUuid::createUuid();
+        item.displayName = QString::fromStdString(name);
+        const auto file = ItemStaging::itemFolder(item.id) / name;
+        testing::writeFile(file, "contents of " + name);
+        item.stagedURL = LocalPath::toUrl(file);
+        const utimbuf times{::time(nullptr) - secondsAgo, ::time(nullptr) - secondsAgo};
+        ::utime(ItemStaging::itemFolder(item.id).c_str(), &times);
+        return item;
+    }
+
+    static std::vector<std::string> names(const std::vector<ShelfItem>& items) {
+        std::vector<std::string> result;
+        for (const ShelfItem& item : items) result.push_back(item.displayName.toStdString());
+        return result;
+    }
+
+    static std::vector<std::filesystem::path> setAside() {
+        std::vector<std::filesystem::path> found;
+        for (const auto& entry : std::filesystem::directory_iterator(AppFiles::root()))
+            if (entry.path().filename().string().starts_with("shelf.json.damaged-")) found.push_back(entry.path());
+        return found;
+    }
+
+    testing::ManualScheduler clock;
+    MemoryDefaultsStore defaults;
+    Preferences preferences{defaults};
+};
+
+struct DamageRow {
+    const char* name;
+    std::string contents;
+};
+
+class DamagedSaveFile : public SaveFileRecoveryTest, public ::testing::WithParamInterface<DamageRow> {};
+
+TEST_P(DamagedSaveFile, KeepsEveryCopySetsTheFileAsideAndRebuildsTheShelf) {
+    const ShelfItem older = staged("older.txt", 3600);
+    const ShelfItem newer = staged("newer.pdf", 60);
+    testing::writeFile(AppFiles::saveFile(), GetParam().contents);
+
+    auto store = makeStore();
+    EXPECT_TRUE(store->recoveredFromDamagedSaveFile());
+    EXPECT_EQ(names(store->items()), (std::vector<std::string>{"newer.pdf", "older.txt"}));
+    EXPECT_EQ(store->items().front().id, newer.id);
+    EXPECT_EQ(store->items().front().stagedURL, newer.stagedURL);
+    EXPECT_EQ(store->items().front().byteSize, qint64(std::string("contents of newer.pdf").size()));
+    EXPECT_TRUE(std::filesystem::exists(ItemStaging::itemFolder(older.id) / "older.txt"));
+
+    const auto aside = setAside();
+    ASSERT_EQ(aside.size(), 1u);
+    EXPECT_EQ(testing::readFile(aside.front()), GetParam().contents) << "the evidence is kept as it was";
+
+    // The rebuilt shelf is saved, and read normally at the next start.
+    clock.advance(ShelfStore::kSaveDelay);
+    auto again = makeStore();
+    EXPECT_FALSE(again->recoveredFromDamagedSaveFile());
+    EXPECT_EQ(names(again->items()), (std::vector<std::string>{"newer.pdf", "older.txt"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, DamagedSaveFile,
+                         ::testing::Values(DamageRow{"truncated", "[\n    {\n        \"displayName\": \"a"},
+                                           DamageRow{"notJson", "not json"},
+                                           DamageRow{"notAnArray", "{\"items\": []}"},
+                                           DamageRow{"empty", ""},
+                                           DamageRow{"nestedPastTheParser", "[" + std::string(100000, '[') +
+                                                                                std::string(100000, ']') + "]"}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(SaveFileRecoveryTest, ANewShelfWithoutASaveFileStillPrunesLeftovers) {
+    const ShelfItem leftover = staged("leftover");
+    EXPECT_TRUE(makeStore()->items().empty());
+    EXPECT_FALSE(std::filesystem::exists(ItemStaging::itemFolder(leftover.id)));
+}
+
+TEST_F(SaveFileRecoveryTest, ARecordWhoseCopyLiesOutsideItsFolderIsDropped) {
+    const ShelfItem good = staged("good");
+    ShelfItem outside = staged("outside");
+    outside.stagedURL = QUrl::fromLocalFile(QStringLiteral("/etc/passwd"));
+    ShelfItem climbing = staged("climbing");
+    climbing.stagedURL = LocalPath::toUrl(ItemStaging::itemFolder(climbing.id) / ".." / ".." / "elsewhere");
+    ShelfItem originOutside = staged("originOutside");
+    originOutside.originURL = QUrl::fromLocalFile(QStringLiteral("/etc/hosts"));
+    QJsonArray array;
+    for (const ShelfItem& item : {good, outside, climbing, originOutside}) array.append(item.toJson());
+    testing::writeFile(AppFiles::saveFile(), QJsonDocument(array).toJson().toStdString());
+
+    EXPECT_EQ(names(makeStore()->items()), (std::vector<std::string>{"good", "originOutside"}));
+}
+
+TEST_F(SaveFileRecoveryTest, AStagingFolderThatIsALinkIsSetAsideAndItsTargetLeftAlone) {
+    const std::filesystem::path elsewhere = testing::freshFolder("someone-elses");
+    testing::writeFile(elsewhere / "precious.txt", "not Mosswick's");
+    std::filesystem::create_directories(AppFiles::root());
+    std::filesystem::create_directory_symlink(elsewhere, AppFiles::root() / "Staged");
+
+    EXPECT_TRUE(makeStore()->items().empty());
+    EXPECT_EQ(testing::readFile(elsewhere / "precious.txt"), "not Mosswick's");
+    struct stat info {};
+    ASSERT_EQ(::lstat((AppFiles::root() / "Staged").c_str(), &info), 0);
+    EXPECT_TRUE(S_ISDIR(info.st_mode)) << "a real folder took the link's place";
+}
+
+TEST_F(SaveFileRecoveryTest, FoldersLeftOpenToOthersAreClosed) {
+    const std::filesystem::path folder = testing::freshFolder("loose") / "Mosswick";
+    std::filesystem::create_directories(folder);
+    ::chmod(folder.c_str(), 0777);
+    ASSERT_TRUE(AppFiles::makeOwnFolder(folder));
+    struct stat info {};
+    ::stat(folder.c_str(), &info);
+    EXPECT_EQ(info.st_mode & 07777, 0700u);
+}
+
+TEST_F(SaveFileRecoveryTest, ABurstOfChangesIsSavedWithinASecond) {
+    auto store = makeStore();
+    for (int i = 0; i < 12; ++i) {
+        store->add({staged("burst" + std::to_string(i))});
+        clock.advance(0.1);
+    }
+    // Each change came before the last one's delay ran out; the first must not wait past a second.
+    EXPECT_EQ(ShelfSaveFile(AppFiles::saveFile()).read().items.size(), 10u);
+    clock.advance(ShelfStore::kSaveDelay);
+    EXPECT_EQ(ShelfSaveFile(AppFiles::saveFile()).read().items.size(), 12u);
+}
+
+}  // namespace
+}  // namespace mosswick
