@@ -59,9 +59,9 @@ DesktopBackends DesktopBackends::forThisSession() {
         backends.hotKeys_ = std::make_unique<DummyHotKeyService>();
     }
 
-    if (xcb) {
-        backends.panelHints_ = std::make_unique<X11PanelHints>();
-        backends.directSave_ = X11DirectSaveReceiver::create();
+    if (backends.x11_) {
+        backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
+        backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
     }
