@@ -45,14 +45,4 @@ ScreenPoint QtDisplayEnvironment::pointerLocation() const {
     return ScreenCoordinates::current().pointerFromQt(QCursor::pos());
 }
 
-std::optional<QRectF> QtDisplayEnvironment::deviceFrameAt(QPointF pixels) {
-    for (QScreen* screen : QGuiApplication::screens()) {
-        const qreal ratio = screen->devicePixelRatio();
-        const QRect logical = screen->geometry();
-        const QRectF frame(QPointF(logical.topLeft()) * ratio, QSizeF(logical.size()) * ratio);
-        if (frame.contains(pixels)) return frame;
-    }
-    return std::nullopt;
-}
-
 }  // namespace mosswick

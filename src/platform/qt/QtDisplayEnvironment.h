@@ -1,8 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QRectF>
-#include <optional>
 
 #include "shelf/DisplayEnvironment.h"
 
@@ -18,10 +16,6 @@ public:
 
     std::vector<Display> displays() const override;
     ScreenPoint pointerLocation() const override;
-
-    // The frame of the display under a point given in X root pixels (device pixels), in the same
-    // pixels: what the drag monitor measures the screen edge against.
-    static std::optional<QRectF> deviceFrameAt(QPointF pixels);
 
 private:
     void watch(QScreen* screen);
