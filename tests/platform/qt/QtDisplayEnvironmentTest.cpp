@@ -1,6 +1,7 @@
 // The displays as Qt reports them on two screens scaled x2 (the offscreen platform with two
-// screens of 1600x1200 device pixels side by side, QT_SCALE_FACTOR=2): everything comes out in
-// points, and the panels' reservations, known in device pixels, are scaled to match.
+// screens of 1600x1200 device pixels side by side, scaled by QT_SCALE_FACTOR as on X11):
+// everything comes out in points, and the panels' reservations, known in device pixels, are
+// scaled to match.
 #include <gtest/gtest.h>
 
 #include <QCursor>
@@ -28,7 +29,7 @@ protected:
     void SetUp() override {
         if (QGuiApplication::screens().size() != 2 ||
             QGuiApplication::primaryScreen()->devicePixelRatio() != 2)
-            GTEST_SKIP() << "needs the offscreen platform's two screens at x2 (see the test's CMake)";
+            GTEST_SKIP() << "the offscreen platform did not take two-screens.json";
     }
 };
 
@@ -60,3 +61,11 @@ TEST_F(ScaledScreens, ThePointerIsInPoints) {
 
 }  // namespace
 }  // namespace mosswick
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" MOSSWICK_TWO_SCREENS);
+    qputenv("QT_SCALE_FACTOR", "2");
+    QGuiApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
