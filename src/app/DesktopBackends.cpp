@@ -13,6 +13,7 @@
 #include "platform/x11/X11DirectSaveReceiver.h"
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/X11PanelHints.h"
+#include "platform/x11/X11WorkArea.h"
 #include "platform/x11/XkbKeyboardLayout.h"
 #include "shelf/PanelWindowHints.h"
 #include "triggers/DummyDesktopProbe.h"
@@ -38,11 +39,15 @@ DesktopBackends::~DesktopBackends() {
 DesktopBackends DesktopBackends::forThisSession() {
     DesktopBackends backends;
     const bool xcb = QGuiApplication::platformName() == QLatin1String("xcb");
-    backends.displays_ = std::make_unique<QtDisplayEnvironment>();
+    if (xcb) backends.x11_ = X11Connection::open();
+
+    // Qt leaves the panels out of each screen only when there is one; X11 says where they are.
+    std::unique_ptr<MonitorWorkAreas> workAreas = std::make_unique<NoMonitorWorkAreas>();
+    if (backends.x11_) workAreas = std::make_unique<X11WorkArea>(*backends.x11_);
+    backends.displays_ = std::make_unique<QtDisplayEnvironment>(std::move(workAreas));
     backends.desktopMotion_ = std::make_unique<DesktopAnimationSetting>(
         QDBusConnection::sessionBus(), DesktopAnimationSetting::defaultKdeGlobals());
 
-    if (xcb) backends.x11_ = X11Connection::open();
     if (backends.x11_) {
         backends.probe_ = X11DesktopProbe::create(*backends.x11_);
         backends.layout_ = std::make_unique<XkbKeyboardLayout>(*backends.x11_);
@@ -59,9 +64,9 @@ DesktopBackends DesktopBackends::forThisSession() {
         backends.hotKeys_ = std::make_unique<DummyHotKeyService>();
     }
 
-    if (xcb) {
-        backends.panelHints_ = std::make_unique<X11PanelHints>();
-        backends.directSave_ = X11DirectSaveReceiver::create();
+    if (backends.x11_) {
+        backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
+        backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
     }

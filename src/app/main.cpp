@@ -14,7 +14,6 @@
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "platform/qt/QClipboardPasteboard.h"
-#include "platform/qt/QtDisplayEnvironment.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/UnixSignalQuit.h"
@@ -76,8 +75,7 @@ int main(int argc, char** argv) {
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);
 
-    DragMonitor dragMonitor(desktop.probe(), scheduler, preferences);
-    dragMonitor.displayFrameAt = QtDisplayEnvironment::deviceFrameAt;
+    DragMonitor dragMonitor(desktop.probe(), desktop.displays(), scheduler, preferences);
     DragMonitor::setShared(&dragMonitor);
     HotKeyManager hotKeys(desktop.hotKeys(), scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);

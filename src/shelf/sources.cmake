@@ -5,6 +5,7 @@ set(MOSSWICK_SHELF_SOURCES
   Display.h
   ScreenCoordinates.h ScreenCoordinates.cpp
   DisplayEnvironment.h
+  MonitorWorkAreas.h
   DesktopMotionSetting.h
   WindowPlacement.h WindowPlacement.cpp
   ShelfPresentation.h ShelfPresentation.cpp

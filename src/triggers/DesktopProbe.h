@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPointF>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -35,9 +34,6 @@ public:
 
     virtual bool isLeftButtonDown() = 0;
     virtual bool isShiftDown() = 0;
-    // In the desktop's global coordinates, the same space as the display frames the edge check
-    // is given.
-    virtual QPointF pointerLocation() = 0;
     // The desktop-file id of the program whose window is active, empty when unknown.
     virtual QString frontmostApplicationId() = 0;
 };

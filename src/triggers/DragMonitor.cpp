@@ -2,6 +2,7 @@
 
 #include "ingest/PasteboardTypes.h"
 #include "model/Preferences.h"
+#include "shelf/WindowPlacement.h"
 #include "triggers/DummyDesktopProbe.h"
 
 namespace mosswick {
@@ -10,15 +11,19 @@ namespace {
 
 DragMonitor* installed = nullptr;
 
-bool isLeftPosition(ShelfPosition position) {
-    return position == ShelfPosition::leftTop || position == ShelfPosition::leftCenter ||
-           position == ShelfPosition::leftBottom;
-}
+// Before start-up installs the real one: no display, so no edge.
+class NoDisplays final : public DisplayEnvironment {
+public:
+    std::vector<Display> displays() const override { return {}; }
+    ScreenPoint pointerLocation() const override { return {}; }
+};
 
 }  // namespace
 
-DragMonitor::DragMonitor(DesktopProbe& probe, Scheduler& scheduler, Preferences& preferences)
+DragMonitor::DragMonitor(DesktopProbe& probe, DisplayEnvironment& displays, Scheduler& scheduler,
+                         Preferences& preferences)
     : probe_(probe),
+      displays_(displays),
       scheduler_(scheduler),
       preferences_(preferences),
       lastChangeCount_(probe.dragChangeCount()) {}
@@ -31,7 +36,8 @@ DragMonitor::~DragMonitor() {
 DragMonitor& DragMonitor::shared() {
     if (!installed) {
         static DummyDesktopProbe nothingToSee;
-        static DragMonitor fallback(nothingToSee, Scheduler::shared(), Preferences::shared());
+        static NoDisplays noDisplays;
+        static DragMonitor fallback(nothingToSee, noDisplays, Scheduler::shared(), Preferences::shared());
         installed = &fallback;
     }
     return *installed;
@@ -132,11 +138,16 @@ void DragMonitor::holdForRestaging(qint64 changeCount) {
 
 void DragMonitor::checkEdgeProximity() {
     if (hasReportedEdge_) return;
-    const QPointF pointer = probe_.pointerLocation();
-    const std::optional<QRectF> display = displayFrameAt(pointer);
-    if (!display) return;
-    const double distance = isLeftPosition(preferences_.position()) ? pointer.x() - display->left()
-                                                                    : display->right() - pointer.x();
+    const std::vector<Display> displays = displays_.displays();
+    if (displays.empty()) return;
+    // Points, as the shelf measures everything: on a display scaled twice the edge is as near to
+    // the hand as on one that is not.
+    const ScreenPoint pointer = displays_.pointerLocation();
+    // Between displays of different heights the pointer can be on none: the nearest one's edge
+    // is the one it is heading for.
+    const ScreenRect frame = WindowPlacement::pointerScreen(displays, pointer).frame;
+    const double distance = WindowPlacement::isLeftSide(preferences_.position()) ? pointer.x - frame.minX()
+                                                                                 : frame.maxX() - pointer.x;
     if (distance > kEdgeThreshold) return;
     hasReportedEdge_ = true;
     onDragReachedEdge();

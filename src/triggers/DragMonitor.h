@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QRectF>
 #include <QStringList>
 #include <functional>
 #include <optional>
 
 #include "model/Scheduler.h"
+#include "shelf/DisplayEnvironment.h"
 #include "triggers/DesktopProbe.h"
 
 namespace mosswick {
@@ -15,14 +15,17 @@ class Preferences;
 // Watches the whole desktop for the start of a drag that the shelf could hold. Other programs'
 // drags cannot be seen directly, so a drag is inferred from the left button being down while the
 // drag pasteboard has changed since the last gesture; only the pasteboard's types are read, never
-// its contents. Polls the pointer only between button down and up. Main thread only.
+// its contents. Polls the pointer only between button down and up. The screen edge is measured
+// in the shelf's coordinates (points), on the display the pointer is on or else the nearest.
+// Main thread only.
 class DragMonitor {
 public:
     static constexpr double kStagingGrace = 0.5;
     static constexpr double kPollInterval = 0.05;
     static constexpr double kEdgeThreshold = 6;
 
-    DragMonitor(DesktopProbe& probe, Scheduler& scheduler, Preferences& preferences);
+    DragMonitor(DesktopProbe& probe, DisplayEnvironment& displays, Scheduler& scheduler,
+                Preferences& preferences);
     ~DragMonitor();
     DragMonitor(const DragMonitor&) = delete;
     DragMonitor& operator=(const DragMonitor&) = delete;
@@ -34,12 +37,6 @@ public:
     std::function<void()> onDragBegan = [] {};
     std::function<void()> onDragEnded = [] {};
     std::function<void()> onDragReachedEdge = [] {};
-
-    // The frame of the display the pointer is on (or the nearest one), in the probe's coordinates;
-    // none when no display is known. The edge check measures against its side of the shelf.
-    std::function<std::optional<QRectF>(QPointF pointer)> displayFrameAt = [](QPointF) {
-        return std::optional<QRectF>{};
-    };
 
     void start();
     // Ends watching without reporting the end of a drag in progress.
@@ -65,6 +62,7 @@ private:
     bool shouldReactToCurrentApp();
 
     DesktopProbe& probe_;
+    DisplayEnvironment& displays_;
     Scheduler& scheduler_;
     Preferences& preferences_;
     bool started_ = false;

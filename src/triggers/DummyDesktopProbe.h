@@ -13,7 +13,6 @@ public:
     QStringList dragTypes() override { return {}; }
     bool isLeftButtonDown() override { return false; }
     bool isShiftDown() override { return false; }
-    QPointF pointerLocation() override { return {}; }
     QString frontmostApplicationId() override { return {}; }
 };
 

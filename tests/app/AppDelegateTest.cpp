@@ -74,7 +74,7 @@ protected:
              return made;
          }}};
     DummyDesktopProbe probe;
-    DragMonitor monitor{probe, clock, preferences};
+    DragMonitor monitor{probe, environment, clock, preferences};
     PressableHotKeys keys;
     HotKeyManager hotKeys{keys, clock, defaults};
     int clipboardImports = 0;

@@ -54,7 +54,8 @@ protected:
     static std::vector<std::filesystem::path> setAside() {
         std::vector<std::filesystem::path> found;
         for (const auto& entry : std::filesystem::directory_iterator(AppFiles::root()))
-            if (entry.path().filename().string().starts_with("shelf.json.damaged-")) found.push_back(entry.path());
+            if (entry.path().filename().string().starts_with("shelf.json.damaged-"))
+                found.push_back(entry.path());
         return found;
     }
 
@@ -97,10 +98,10 @@ TEST_P(DamagedSaveFile, KeepsEveryCopySetsTheFileAsideAndRebuildsTheShelf) {
 INSTANTIATE_TEST_SUITE_P(Rows, DamagedSaveFile,
                          ::testing::Values(DamageRow{"truncated", "[\n    {\n        \"displayName\": \"a"},
                                            DamageRow{"notJson", "not json"},
-                                           DamageRow{"notAnArray", "{\"items\": []}"},
-                                           DamageRow{"empty", ""},
+                                           DamageRow{"notAnArray", "{\"items\": []}"}, DamageRow{"empty", ""},
                                            DamageRow{"nestedPastTheParser", "[" + std::string(100000, '[') +
-                                                                                std::string(100000, ']') + "]"}),
+                                                                                std::string(100000, ']') +
+                                                                                "]"}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SaveFileRecoveryTest, ANewShelfWithoutASaveFileStillPrunesLeftovers) {

@@ -5,18 +5,23 @@
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
 #include "triggers/DragMonitor.h"
+#include "shelf/FakeDisplayEnvironment.h"
 #include "support/ManualScheduler.h"
 
 using mosswick::DesktopProbe;
+using mosswick::Display;
 using mosswick::DragMonitor;
 using mosswick::MemoryDefaultsStore;
 using mosswick::Preferences;
+using mosswick::ScreenPoint;
+using mosswick::ScreenRect;
 using mosswick::ShelfPosition;
+using mosswick::testing::FakeDisplayEnvironment;
 using mosswick::testing::ManualScheduler;
 
 namespace {
 
-// The desktop as a script sets it: what the pointer and the drag pasteboard are doing.
+// The desktop as a script sets it: what the mouse and the drag pasteboard are doing.
 class ScriptedDesktop final : public DesktopProbe {
 public:
     void watch(EventHandler handler) override { handler_ = std::move(handler); }
@@ -24,7 +29,6 @@ public:
     QStringList dragTypes() override { return types; }
     bool isLeftButtonDown() override { return buttonDown; }
     bool isShiftDown() override { return shiftDown; }
-    QPointF pointerLocation() override { return pointer; }
     QString frontmostApplicationId() override { return frontmost; }
 
     bool isWatched() const { return static_cast<bool>(handler_); }
@@ -36,14 +40,13 @@ public:
     QStringList types;
     bool buttonDown = false;
     bool shiftDown = false;
-    QPointF pointer{500, 500};
     QString frontmost = QStringLiteral("org.example.Files");
 
 private:
     EventHandler handler_;
 };
 
-const QRectF kDisplay(0, 0, 1920, 1080);
+const ScreenRect kDisplay{0, 0, 1920, 1080};
 
 class DragMonitorTest : public ::testing::Test {
 protected:
@@ -51,7 +54,8 @@ protected:
         monitor.onDragBegan = [this] { events << QStringLiteral("began"); };
         monitor.onDragEnded = [this] { events << QStringLiteral("ended"); };
         monitor.onDragReachedEdge = [this] { events << QStringLiteral("edge"); };
-        monitor.displayFrameAt = [](QPointF) { return std::optional<QRectF>(kDisplay); };
+        displays.displayList = {{kDisplay, kDisplay}};
+        displays.pointer = {500, 500};
         preferences.setPosition(ShelfPosition::rightTop);
         preferences.setIgnoredApplications({QStringLiteral("org.example.Ignored")});
     }
@@ -96,9 +100,9 @@ protected:
             else if (step == u"fromUnknown")
                 desktop.frontmost.clear();
             else if (step == u"atEdge")
-                desktop.pointer = {kDisplay.right() - 6, 300};
+                displays.pointer = {kDisplay.maxX() - 6, 300};
             else if (step == u"nearEdge")
-                desktop.pointer = {kDisplay.right() - 7, 300};
+                displays.pointer = {kDisplay.maxX() - 7, 300};
             else if (step == u"start")
                 monitor.start();
             else if (step == u"stop")
@@ -117,7 +121,8 @@ protected:
     MemoryDefaultsStore store;
     Preferences preferences{store};
     ScriptedDesktop desktop;
-    DragMonitor monitor{desktop, clock, preferences};
+    FakeDisplayEnvironment displays;
+    DragMonitor monitor{desktop, displays, clock, preferences};
     QStringList events;
 };
 
@@ -204,46 +209,58 @@ TEST_F(DragMonitorTest, StartingTwiceKeepsTheFirstBaseline) {
     EXPECT_EQ(events, QStringList({QStringLiteral("began"), QStringLiteral("ended")}));
 }
 
+// A display of points, whatever its scale: a 3840-pixel-wide display at x2 is 1920 wide here.
+// The second display stands to the right of the main one and is taller (bottoms aligned), so
+// above the main display there is a strip that belongs to no display.
+const ScreenRect kTaller{1920, 0, 1280, 1440};
+
 struct EdgeCase {
     const char* name;
     ShelfPosition position;
-    QRectF display;
-    double x;
+    std::vector<ScreenRect> displays;
+    ScreenPoint pointer;
     bool reported;
 };
 
 class DragMonitorEdge : public DragMonitorTest, public ::testing::WithParamInterface<EdgeCase> {};
 
-TEST_P(DragMonitorEdge, MeasuresHorizontallyFromTheShelfSide) {
+TEST_P(DragMonitorEdge, MeasuresInPointsFromTheShelfSide) {
     const EdgeCase& edge = GetParam();
     preferences.setPosition(edge.position);
-    monitor.displayFrameAt = [&](QPointF) { return std::optional<QRectF>(edge.display); };
-    desktop.pointer = {edge.x, edge.display.center().y()};
+    displays.displayList.clear();
+    for (const ScreenRect& frame : edge.displays) displays.displayList.push_back({frame, frame});
+    displays.pointer = edge.pointer;
     monitor.start();
     run("down file drag drag");
     EXPECT_EQ(events.contains(QStringLiteral("edge")), edge.reported);
 }
 
-const QRectF kSecondDisplay(1920, -200, 1280, 1024);
-
 const EdgeCase kEdgeCases[] = {
-    {"rightAtThreshold", ShelfPosition::rightTop, kDisplay, 1914, true},
-    {"rightJustInside", ShelfPosition::rightTop, kDisplay, 1913, false},
-    {"rightAtLeftEdge", ShelfPosition::rightTop, kDisplay, 0, false},
-    {"rightBeyondEdge", ShelfPosition::rightBottom, kDisplay, 1919.5, true},
-    {"leftAtThreshold", ShelfPosition::leftCenter, kDisplay, 6, true},
-    {"leftJustInside", ShelfPosition::leftBottom, kDisplay, 7, false},
-    {"leftAtRightEdge", ShelfPosition::leftTop, kDisplay, 1919, false},
-    {"secondDisplayRight", ShelfPosition::rightCenter, kSecondDisplay, 3195, true},
-    {"secondDisplayLeft", ShelfPosition::leftTop, kSecondDisplay, 1925, true},
-    {"secondDisplayLeftInside", ShelfPosition::leftTop, kSecondDisplay, 1927, false},
+    {"rightAtThreshold", ShelfPosition::rightTop, {kDisplay}, {1914, 540}, true},
+    {"rightJustInside", ShelfPosition::rightTop, {kDisplay}, {1913.5, 540}, false},
+    {"rightAtLeftEdge", ShelfPosition::rightTop, {kDisplay}, {0.5, 540}, false},
+    {"rightOnTheLastPixel", ShelfPosition::rightBottom, {kDisplay}, {1919.5, 540}, true},
+    {"leftAtThreshold", ShelfPosition::leftCenter, {kDisplay}, {6, 540}, true},
+    {"leftJustInside", ShelfPosition::leftBottom, {kDisplay}, {6.5, 540}, false},
+    {"leftAtRightEdge", ShelfPosition::leftTop, {kDisplay}, {1919.5, 540}, false},
+    // Nine device pixels from the edge of a display scaled x2 are 4.5 points: near enough.
+    {"scaledTwiceNinePixelsIn", ShelfPosition::rightTop, {kDisplay}, {1915.5, 540}, true},
+    {"scaledTwiceFourteenPixelsIn", ShelfPosition::rightTop, {kDisplay}, {1913, 540}, false},
+    {"secondDisplayRight", ShelfPosition::rightCenter, {kDisplay, kTaller}, {3195, 700}, true},
+    {"secondDisplayLeft", ShelfPosition::leftTop, {kDisplay, kTaller}, {1925, 700}, true},
+    {"secondDisplayLeftInside", ShelfPosition::leftTop, {kDisplay, kTaller}, {1927, 700}, false},
+    // Above the main display, beside the taller one: on no display, the nearest one counts.
+    {"onNoDisplayNearestIsMain", ShelfPosition::leftTop, {kDisplay, kTaller}, {3, 1300}, true},
+    {"onNoDisplayMainRightEdge", ShelfPosition::rightTop, {kDisplay, kTaller}, {100, 1300}, false},
+    {"onNoDisplayNearestIsTaller", ShelfPosition::leftTop, {kDisplay, kTaller}, {1916, 1300}, true},
+    {"onNoDisplayTallerFarSide", ShelfPosition::rightTop, {kDisplay, kTaller}, {1916, 1300}, false},
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, DragMonitorEdge, ::testing::ValuesIn(kEdgeCases),
                          [](const ::testing::TestParamInfo<EdgeCase>& row) { return row.param.name; });
 
 TEST_F(DragMonitorTest, NoDisplayNoEdge) {
-    monitor.displayFrameAt = [](QPointF) { return std::optional<QRectF>{}; };
+    displays.displayList.clear();
     monitor.start();
     run("atEdge down file drag drag up");
     EXPECT_EQ(events, QStringList({QStringLiteral("began"), QStringLiteral("ended")}));

@@ -1,32 +1,34 @@
 #pragma once
 
 #include <QObject>
-#include <QRectF>
-#include <optional>
+#include <memory>
 
 #include "shelf/DisplayEnvironment.h"
+#include "shelf/MonitorWorkAreas.h"
 
 class QScreen;
 
 namespace mosswick {
 
+class ScreenCoordinates;
+
 // The displays and the pointer as Qt sees them (QScreen's geometry and available geometry,
-// QCursor), converted to the shelf's coordinates.
+// QCursor), converted to the shelf's coordinates. With more than one screen Qt reports each
+// whole as available, so the panels' reservations come from `workAreas` then.
 class QtDisplayEnvironment final : public DisplayEnvironment {
 public:
-    QtDisplayEnvironment();
+    explicit QtDisplayEnvironment(
+        std::unique_ptr<MonitorWorkAreas> workAreas = std::make_unique<NoMonitorWorkAreas>());
 
     std::vector<Display> displays() const override;
     ScreenPoint pointerLocation() const override;
 
-    // The frame of the display under a point given in X root pixels (device pixels), in the same
-    // pixels: what the drag monitor measures the screen edge against.
-    static std::optional<QRectF> deviceFrameAt(QPointF pixels);
-
 private:
     void watch(QScreen* screen);
     void notify();
+    Display display(const ScreenCoordinates& coordinates, const QScreen& screen, bool alone) const;
 
+    std::unique_ptr<MonitorWorkAreas> workAreas_;
     QObject connections_;
 };
 

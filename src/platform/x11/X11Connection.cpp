@@ -58,6 +58,7 @@ std::unique_ptr<X11Connection> X11Connection::open(const QByteArray& displayName
 X11Connection::X11Connection(Display* display)
     : display_(display),
       root_(DefaultRootWindow(display)),
+      atoms_(display),
       notifier_(std::make_unique<QSocketNotifier>(ConnectionNumber(display), QSocketNotifier::Read)) {
     ownDisplays().insert(display_);
     connect(notifier_.get(), &QSocketNotifier::activated, this, &X11Connection::dispatchPending);
@@ -76,7 +77,7 @@ X11Connection::~X11Connection() {
     XCloseDisplay(display_);
 }
 
-quintptr X11Connection::atom(const char* name) const { return XInternAtom(display_, name, False); }
+QByteArray X11Connection::displayName() const { return QByteArray(DisplayString(display_)); }
 
 int X11Connection::addEventFilter(EventFilter filter) {
     observers_.push_back({++lastId_, std::move(filter), {}});

@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/x11/X11Atoms.h"
+
 class QSocketNotifier;
 struct _XDisplay;
 union _XEvent;
@@ -30,8 +32,12 @@ public:
     ~X11Connection() override;
 
     _XDisplay* display() const { return display_; }
+    // What the display is called, for another connection to the same one.
+    QByteArray displayName() const;
     quintptr rootWindow() const { return root_; }
-    quintptr atom(const char* name) const;
+    // The table every main-thread backend takes its atoms from, Qt's own connection's included.
+    X11Atoms& atoms() { return atoms_; }
+    quintptr atom(const char* name) { return atoms_[name]; }
 
     int addEventFilter(EventFilter filter);
     // Called once after each batch of events, so a backend can coalesce bursts (pointer motion).
@@ -59,6 +65,7 @@ private:
 
     _XDisplay* display_;
     quintptr root_;
+    X11Atoms atoms_;
     std::unique_ptr<QSocketNotifier> notifier_;
     std::vector<Observer> observers_;
     int lastId_ = 0;

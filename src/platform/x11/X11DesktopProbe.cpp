@@ -108,7 +108,7 @@ qint64 X11DesktopProbe::dragChangeCount() { return selection_->changeCount(); }
 
 QStringList X11DesktopProbe::dragTypes() { return selection_->types(); }
 
-unsigned X11DesktopProbe::queryPointer(QPointF* location) {
+unsigned X11DesktopProbe::queryPointer() {
     Window root = None;
     Window child = None;
     int rootX = 0;
@@ -119,19 +119,12 @@ unsigned X11DesktopProbe::queryPointer(QPointF* location) {
     if (!XQueryPointer(connection_.display(), connection_.rootWindow(), &root, &child, &rootX, &rootY,
                        &windowX, &windowY, &mask))
         return 0;
-    if (location) *location = QPointF(rootX, rootY);
     return mask;
 }
 
 bool X11DesktopProbe::isLeftButtonDown() { return queryPointer() & Button1Mask; }
 
 bool X11DesktopProbe::isShiftDown() { return queryPointer() & ShiftMask; }
-
-QPointF X11DesktopProbe::pointerLocation() {
-    QPointF location;
-    queryPointer(&location);
-    return location;
-}
 
 QString X11DesktopProbe::frontmostApplicationId() { return X11ActiveApplication::id(connection_); }
 

@@ -27,7 +27,6 @@ public:
     QStringList dragTypes() override;
     bool isLeftButtonDown() override;
     bool isShiftDown() override;
-    QPointF pointerLocation() override;
     QString frontmostApplicationId() override;
 
 private:
@@ -35,7 +34,7 @@ private:
     bool handleEvent(_XEvent& event);
     void selectRawEvents(bool buttons, bool motion);
     void send(Event event);
-    unsigned queryPointer(QPointF* location = nullptr);
+    unsigned queryPointer();
 
     X11Connection& connection_;
     std::unique_ptr<X11DragSelection> selection_;

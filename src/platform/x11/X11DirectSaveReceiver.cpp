@@ -10,15 +10,15 @@
 namespace mosswick {
 
 std::unique_ptr<X11DirectSaveReceiver> X11DirectSaveReceiver::create(
-    const QByteArray& displayName, std::chrono::milliseconds answerTimeout) {
-    const QByteArray display = displayName.isEmpty() ? X11Connection::qtDisplayName() : displayName;
-    auto worker = X11DirectSaveWorker::start(display, answerTimeout);
+    X11Connection& connection, std::chrono::milliseconds answerTimeout) {
+    auto worker = X11DirectSaveWorker::start(connection.displayName(), answerTimeout);
     if (!worker) return nullptr;
-    return std::unique_ptr<X11DirectSaveReceiver>(new X11DirectSaveReceiver(std::move(worker)));
+    return std::unique_ptr<X11DirectSaveReceiver>(new X11DirectSaveReceiver(connection, std::move(worker)));
 }
 
-X11DirectSaveReceiver::X11DirectSaveReceiver(std::shared_ptr<X11DirectSaveWorker> worker)
-    : worker_(std::move(worker)) {}
+X11DirectSaveReceiver::X11DirectSaveReceiver(X11Connection& connection,
+                                             std::shared_ptr<X11DirectSaveWorker> worker)
+    : drops_(connection.atoms()), worker_(std::move(worker)) {}
 
 X11DirectSaveReceiver::~X11DirectSaveReceiver() {
     // Before the context goes: no answer may be posted to it afterwards.

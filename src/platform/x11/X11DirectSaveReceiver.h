@@ -12,6 +12,7 @@ class QMimeData;
 
 namespace mosswick {
 
+class X11Connection;
 class X11DirectSaveWorker;
 
 // Files promised through X Direct Save (archive managers, browsers' images): for a drop that
@@ -21,9 +22,10 @@ class X11DirectSaveReceiver {
 public:
     static constexpr std::chrono::milliseconds kAnswerTimeout{60'000};
 
-    // Null when the display cannot be reached. Without a display name, the one Qt uses.
+    // Null when the display cannot be reached. The exchanges run on a connection of their own to
+    // the display of `connection` (the main thread's), whose atoms note Qt's drops.
     static std::unique_ptr<X11DirectSaveReceiver> create(
-        const QByteArray& displayName = {}, std::chrono::milliseconds answerTimeout = kAnswerTimeout);
+        X11Connection& connection, std::chrono::milliseconds answerTimeout = kAnswerTimeout);
     ~X11DirectSaveReceiver();
     X11DirectSaveReceiver(const X11DirectSaveReceiver&) = delete;
     X11DirectSaveReceiver& operator=(const X11DirectSaveReceiver&) = delete;
@@ -34,7 +36,7 @@ public:
     std::shared_ptr<FilePromise> promiseFor(const X11DirectSavePromise::Source& source);
 
 private:
-    explicit X11DirectSaveReceiver(std::shared_ptr<X11DirectSaveWorker> worker);
+    X11DirectSaveReceiver(X11Connection& connection, std::shared_ptr<X11DirectSaveWorker> worker);
 
     X11DropWatch drops_;
     // Answers are delivered through it; they die with it.

@@ -14,6 +14,7 @@
 #include "model/AtomicFile.h"
 #include "model/LocalPath.h"
 #include "model/Logging.h"
+#include "platform/x11/X11Atoms.h"
 
 #include <xcb/xcb.h>
 
@@ -25,15 +26,6 @@ using Clock = std::chrono::steady_clock;
 
 // More than any picture a browser hands over; a runaway source is cut off there.
 constexpr qsizetype kMaxDataBytes = qsizetype(1) << 30;
-
-quint32 internAtom(xcb_connection_t* connection, const char* name) {
-    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<uint16_t>(std::strlen(name)), name), nullptr);
-    if (!reply) return XCB_ATOM_NONE;
-    const quint32 atom = reply->atom;
-    std::free(reply);
-    return atom;
-}
 
 void roundTrip(xcb_connection_t* connection) {
     std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
@@ -80,13 +72,16 @@ X11DirectSaveWorker::X11DirectSaveWorker(xcb_connection_t* connection,
                                          std::chrono::milliseconds answerTimeout)
     : connection_(connection), answerTimeout_(answerTimeout), host_(hostName()) {
     root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
-    selection_ = internAtom(connection_, "XdndSelection");
-    directSave_ = internAtom(connection_, "XdndDirectSave0");
-    textPlain_ = internAtom(connection_, "text/plain");
-    octetStream_ = internAtom(connection_, "application/octet-stream");
-    incremental_ = internAtom(connection_, "INCR");
-    answerProperty_ = internAtom(connection_, "MOSSWICK_DIRECT_SAVE_ANSWER");
-    dataProperty_ = internAtom(connection_, "MOSSWICK_DIRECT_SAVE_DATA");
+    X11Atoms atoms(connection_);
+    atoms.intern({"XdndSelection", "XdndDirectSave0", "text/plain", "application/octet-stream", "INCR",
+                  "MOSSWICK_DIRECT_SAVE_ANSWER", "MOSSWICK_DIRECT_SAVE_DATA"});
+    selection_ = atoms["XdndSelection"];
+    directSave_ = atoms["XdndDirectSave0"];
+    textPlain_ = atoms["text/plain"];
+    octetStream_ = atoms["application/octet-stream"];
+    incremental_ = atoms["INCR"];
+    answerProperty_ = atoms["MOSSWICK_DIRECT_SAVE_ANSWER"];
+    dataProperty_ = atoms["MOSSWICK_DIRECT_SAVE_DATA"];
     int fds[2];
     if (::pipe2(fds, O_NONBLOCK | O_CLOEXEC) == 0) {
         wakeRead_ = fds[0];

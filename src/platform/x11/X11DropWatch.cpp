@@ -2,23 +2,18 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
-#include <cstdlib>
-#include <cstring>
+
+#include "platform/x11/X11Atoms.h"
 
 #include <xcb/xcb.h>
 
 namespace mosswick {
 
-X11DropWatch::X11DropWatch() {
+X11DropWatch::X11DropWatch(X11Atoms& atoms) {
     auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     if (!x11 || !x11->connection()) return;
-    xcb_connection_t* connection = x11->connection();
-    const char* name = "XdndDrop";
-    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(
-        connection, xcb_intern_atom(connection, 0, static_cast<uint16_t>(std::strlen(name)), name), nullptr);
-    if (!reply) return;
-    dropAtom_ = reply->atom;
-    std::free(reply);
+    dropAtom_ = atoms["XdndDrop"];
+    if (!dropAtom_) return;
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 

@@ -6,6 +6,8 @@
 
 namespace mosswick {
 
+class X11Atoms;
+
 // Notes the XdndDrop messages Qt's own connection receives: Qt keeps the drop's source window
 // and server time to itself, and both are needed to ask the source for a promised file (a Qt
 // source finds the dropped data only by that time once its drag has ended). Qt hands the
@@ -19,7 +21,7 @@ public:
     };
 
     // Watches from construction until destruction; does nothing unless Qt runs on xcb.
-    X11DropWatch();
+    explicit X11DropWatch(X11Atoms& atoms);
     ~X11DropWatch() override;
     X11DropWatch(const X11DropWatch&) = delete;
     X11DropWatch& operator=(const X11DropWatch&) = delete;

@@ -2,10 +2,11 @@
 
 #include <QByteArray>
 #include <QGuiApplication>
-#include <QHash>
 #include <QList>
 #include <cstdlib>
 #include <memory>
+
+#include "platform/x11/X11Atoms.h"
 
 // X11 headers after Qt's: their macros clash with Qt's names.
 #include <xcb/xcb.h>
@@ -28,16 +29,6 @@ xcb_connection_t* connection() {
     return x11 ? x11->connection() : nullptr;
 }
 
-xcb_atom_t atom(xcb_connection_t* c, const QByteArray& name) {
-    static QHash<QByteArray, xcb_atom_t> known;
-    if (auto found = known.constFind(name); found != known.constEnd()) return *found;
-    Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        c, xcb_intern_atom(c, 0, static_cast<uint16_t>(name.size()), name.constData()), nullptr));
-    const xcb_atom_t value = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-    if (value != XCB_ATOM_NONE) known.insert(name, value);
-    return value;
-}
-
 // The index of the X screen whose root the window hangs from; 0 when it cannot be told.
 int screenOf(xcb_connection_t* c, xcb_window_t window) {
     Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(c, xcb_query_tree(c, window), nullptr));
@@ -55,7 +46,7 @@ void X11PanelHints::keepOffTaskbarOnAllWorkspaces(quintptr window) {
     xcb_connection_t* c = connection();
     if (!c || !window) return;
     const auto id = static_cast<xcb_window_t>(window);
-    const xcb_atom_t state = atom(c, "_NET_WM_STATE");
+    const xcb_atom_t state = atoms_["_NET_WM_STATE"];
 
     // Merged with what is there: Qt adds its own states (above others) the same way at map time.
     QList<xcb_atom_t> states;
@@ -66,12 +57,12 @@ void X11PanelHints::keepOffTaskbarOnAllWorkspaces(quintptr window) {
         states = QList<xcb_atom_t>(values, values + xcb_get_property_value_length(current.get()) / 4);
     }
     for (const char* wanted : {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER"}) {
-        const xcb_atom_t a = atom(c, wanted);
+        const xcb_atom_t a = atoms_[wanted];
         if (a != XCB_ATOM_NONE && !states.contains(a)) states.push_back(a);
     }
     xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, state, XCB_ATOM_ATOM, 32,
                         static_cast<uint32_t>(states.size()), states.constData());
-    xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, atom(c, "_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 32, 1,
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, atoms_["_NET_WM_DESKTOP"], XCB_ATOM_CARDINAL, 32, 1,
                         &kAllWorkspaces);
     xcb_flush(c);
 }
@@ -81,7 +72,7 @@ bool X11PanelHints::compositorRunning(quintptr window) const {
     if (!c) return true;
     const QByteArray selection =
         "_NET_WM_CM_S" + QByteArray::number(screenOf(c, static_cast<xcb_window_t>(window)));
-    const xcb_atom_t a = atom(c, selection);
+    const xcb_atom_t a = atoms_.atom(selection);
     if (a == XCB_ATOM_NONE) return false;
     Reply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, a), nullptr));

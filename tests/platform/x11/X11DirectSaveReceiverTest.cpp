@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <unistd.h>
 
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
 #include "support/EventWaiting.h"
 #include "FakeDirectSaveSource.h"
@@ -23,7 +24,9 @@ class X11DirectSaveReceiverTest : public ::testing::Test {
 protected:
     void SetUp() override {
         if (!server.isRunning()) GTEST_SKIP() << server.problem().toStdString();
-        receiver = X11DirectSaveReceiver::create(server.displayName(), std::chrono::milliseconds(400));
+        connection = X11Connection::open(server.displayName());
+        ASSERT_TRUE(connection);
+        receiver = X11DirectSaveReceiver::create(*connection, std::chrono::milliseconds(400));
         ASSERT_TRUE(receiver);
     }
 
@@ -47,6 +50,7 @@ protected:
     }
 
     testing::XvfbServer server;
+    std::unique_ptr<X11Connection> connection;
     std::unique_ptr<X11DirectSaveReceiver> receiver;
     fs::path folder = testing::freshFolder("promised");
     std::vector<QByteArray> names;
@@ -120,7 +124,7 @@ TEST_F(X11DirectSaveReceiverTest, ASilentSourceNeverHoldsUpTheDropAndWhatArrived
 }
 
 TEST_F(X11DirectSaveReceiverTest, ASourceThatGoesAwayEndsTheWaitAtOnce) {
-    auto receiverWithTime = X11DirectSaveReceiver::create(server.displayName(), std::chrono::seconds(30));
+    auto receiverWithTime = X11DirectSaveReceiver::create(*connection, std::chrono::seconds(30));
     FakeDirectSaveSource source(server.displayName(), Answer::neverAnswers, "gone.txt");
     const quint32 dropTime = source.startDrag();
     auto promise = receiverWithTime->promiseFor({source.window(), dropTime, false});
