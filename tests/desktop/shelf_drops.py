@@ -12,8 +12,9 @@ import os
 import re
 
 from desktop import Desktop, skip_unless_available
-from peers import SOURCE_GEOMETRY, SOURCE_POINT, file_uri, make_files, make_png
-from shelf import Shelf, png_pixels, read_bytes, staged_path
+from desktop.files import file_uri, make_files, make_png, png_pixels, read_bytes
+from desktop.mosswick import Shelf, staged_path
+from desktop.peers import SOURCE_GEOMETRY, SOURCE_POINT
 
 skip_unless_available("xcompmgr", "xarchiver", "zip", "unzip", mosswick=True)
 
@@ -49,7 +50,7 @@ class Drops:
 
         def complete(items):
             return len(items) == self.count and all("stagedURL" in i and not i["isPromised"] for i in items)
-        return self.shelf.saved_items(complete)[:added]
+        return self.shelf.wait_saved(complete)[:added]
 
 
 def tree(folder):
