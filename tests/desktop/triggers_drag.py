@@ -4,7 +4,6 @@ reaches the screen edge); moving a window, press-moving over a plain window, a d
 Shift held and an ignored program do not; a drag that ends with nothing dropped takes it away
 0.3 s later, and one that dropped files on it leaves it up."""
 
-import os
 import time
 
 from desktop import Desktop, Drag, skip_unless_available
