@@ -16,11 +16,11 @@ for program in Xvfb openbox xdotool; do
   command -v "$program" >/dev/null || { echo "$program missing; drag latency benchmark skipped" >&2; exit 0; }
 done
 
-MOSSWICK_BUILD_DIR="$build" PYTHONPATH="$here/../tools/desktop:$here/../tests/desktop" python3 - <<'PY' |
+MOSSWICK_BUILD_DIR="$build" PYTHONPATH="$here/../tools/desktop" python3 - <<'PY' |
 import os, statistics, time
 from desktop import Desktop
-from peers import make_files
-from shelf_watch import ShelfWatch, start_mosswick
+from desktop.files import make_files
+from desktop.watch import ShelfWatch
 
 def latency(watch, since):
     shown = watch.wait("map", since)
@@ -29,7 +29,7 @@ def latency(watch, since):
 
 with Desktop(name="bench-drag-to-shelf") as d:
     watch = ShelfWatch(d)
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     [path] = make_files(d.temp, [b"dragged.txt"])
     source = d.start_peer("drag", "--file", path, "--stay", "--geometry", "100,100,200,150")
     d.wait_mapped(source)

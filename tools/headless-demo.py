@@ -15,11 +15,13 @@ output = os.path.join(build, "demo")
 shutil.rmtree(output, ignore_errors=True)
 os.makedirs(output)
 os.environ.update(MOSSWICK_BUILD_DIR=build, MOSSWICK_TEST_OUTPUT=output)
-sys.path[:0] = [os.path.join(HERE, "desktop"), os.path.join(HERE, "..", "tests", "desktop")]
+sys.path.insert(0, os.path.join(HERE, "desktop"))
 
 from desktop import REQUIRED_PROGRAMS, Desktop, DesktopError, mosswick_binary, peer_binary  # noqa: E402
-from peers import make_png  # noqa: E402
-from shelf_watch import Drag, ShelfWatch, saved_items, start_mosswick  # noqa: E402
+from desktop import Drag  # noqa: E402
+from desktop.files import make_png  # noqa: E402
+from desktop.mosswick import saved_items  # noqa: E402
+from desktop.watch import ShelfWatch  # noqa: E402
 
 missing = [p for p in REQUIRED_PROGRAMS if not shutil.which(p)]
 missing += [p for p in (mosswick_binary(), peer_binary()) if not os.access(p, os.X_OK)]
@@ -39,7 +41,7 @@ print("Mosswick headless demo: no display here, so a private one under Xvfb.", f
 try:
     with Desktop(name="headless-demo", timeout=60) as d:
         watch = ShelfWatch(d)
-        app = start_mosswick(d)
+        app = d.start_mosswick()
         step(d, "started", "Mosswick is running; the shelf waits out of sight")
 
         picture = os.path.join(d.temp, "Holiday photo.png")

@@ -8,7 +8,7 @@ import stat
 import subprocess
 
 from desktop import Desktop, DesktopError, peer_binary, skip_unless_available
-from peers import file_uri, make_png
+from desktop.files import file_uri, make_png
 
 skip_unless_available("xcompmgr", "dbus-daemon", "dbus-send", "trayer")
 

@@ -4,7 +4,8 @@ their names' bytes, and the source learns which action the target took."""
 import os
 
 from desktop import Desktop, skip_unless_available
-from peers import PeerPair, data, file_uri, make_files
+from desktop.files import file_uri, make_files
+from desktop.peers import PeerPair, data
 
 skip_unless_available()
 

@@ -5,7 +5,8 @@ image's own PNG bytes, text as UTF-8."""
 import os
 
 from desktop import Desktop, skip_unless_available
-from peers import PeerPair, data, make_png
+from desktop.files import make_png
+from desktop.peers import PeerPair, data
 
 skip_unless_available()
 

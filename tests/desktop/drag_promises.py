@@ -7,7 +7,8 @@ import os
 import time
 
 from desktop import Desktop, skip_unless_available
-from peers import PeerPair, data, file_uri
+from desktop.files import file_uri
+from desktop.peers import PeerPair, data
 
 skip_unless_available()
 

@@ -1,19 +1,25 @@
 """What another application drops on the shelf lands on it and on disk: files (one, whose name is
 not UTF-8; several at once, one batch and one stack), a folder, a link with its title, an image,
 text, and files promised over X Direct Save by the peer and by xarchiver. Each is checked in
-shelf.json (saved 0.4 s after a change) and byte for byte in its staged copy. A compositor runs,
-so the screenshots show the shelf's rounded, see-through corners.
+shelf.json (saved 0.4 s after a change) and byte for byte in its staged copy, in a folder of its
+own. A compositor runs, so the screenshots show the shelf's rounded, see-through corners.
+
+Each case starts a Mosswick of its own with an empty shelf and data folder, on one shared
+desktop; `shelf_drops.py CASE…` runs the named cases alone.
 
 The shelf keeps its defaults: right bottom, growing with its tiles (adaptive, smallest). On a
 1280x800 screen with a 40 px panel at the bottom (7 slots fit), n tiles stand at x 1078, from
 y = 760 - 6 - h, h = n x 88 + 56; the drops aim at (1176, 700), inside even the one-slot shelf."""
 
+import json
 import os
 import re
+import uuid
 
-from desktop import Desktop, skip_unless_available
-from peers import SOURCE_GEOMETRY, SOURCE_POINT, file_uri, make_files, make_png
-from shelf import Shelf, png_pixels, read_bytes, staged_path
+from desktop import Cases, skip_unless_available
+from desktop.files import file_uri, make_files, make_png, png_pixels, read_bytes
+from desktop.mosswick import Shelf, data_folder, save_file, saved_items, staged_path
+from desktop.peers import SOURCE_GEOMETRY, SOURCE_POINT
 
 skip_unless_available("xcompmgr", "xarchiver", "zip", "unzip", mosswick=True)
 
@@ -25,9 +31,24 @@ def frame_for(tiles):
     return (1078, 760 - 6 - h, 196, h)
 
 
+cases = Cases(strut_bottom=40, compositor=True)
+
+
 class Drops:
-    def __init__(self, d, shelf):
-        self.d, self.shelf, self.count, self.drags = d, shelf, 0, 0
+    """A fresh Mosswick with the default settings, and drags onto its shelf from new peers. A drag
+    of anything but files does not bring the shelf up: for those it is summoned first."""
+
+    def __init__(self, d, settings=None, summon=False):
+        self.d, self.count, self.drags = d, len(saved_items(d)), 0
+        self.shelf = Shelf(d, settings, summon=summon)
+        if summon:
+            self.shelf.wait_frame(frame_for(max(self.count, 1)))
+        self.folder = os.path.join(os.fsencode(d.temp), os.fsencode(os.path.basename(d.output)))
+        os.makedirs(self.folder, exist_ok=True)
+
+    @property
+    def staging(self):
+        return os.path.join(os.fsencode(self.shelf.data_folder), b"Staged")
 
     def drag(self, *payload):
         """Drags the payload from a new peer onto the shelf; returns what the source heard."""
@@ -49,7 +70,22 @@ class Drops:
 
         def complete(items):
             return len(items) == self.count and all("stagedURL" in i and not i["isPromised"] for i in items)
-        return self.shelf.saved_items(complete)[:added]
+        return self.shelf.wait_saved(complete)[:added]
+
+    def staged_in_own_folder(self, item, name):
+        """The item's staged copy, checked to be `name` in a folder named by the item's id, the
+        only thing in that folder."""
+        path = staged_path(item)
+        folder = os.path.join(self.staging, item["id"].upper().encode())
+        expected = os.path.join(folder, name)
+        assert path.rstrip(b"/") == expected, (path, expected)
+        assert os.listdir(folder) == [name], os.listdir(folder)
+        return expected
+
+    def stop(self):
+        """Stops Mosswick, which must leave one staged folder per item and nothing else."""
+        self.shelf.stop()
+        assert len(os.listdir(self.staging)) == self.count, (os.listdir(self.staging), self.count)
 
 
 def tree(folder):
@@ -62,106 +98,171 @@ def tree(folder):
     return found
 
 
-with Desktop(strut_bottom=40, compositor=True) as d:
-    shelf = Shelf(d)
-    drops = Drops(d, shelf)
-    staging = os.path.join(os.fsencode(shelf.data_folder), b"Staged")
-    folder = os.path.join(os.fsencode(d.temp), b"files")
-    os.makedirs(folder)
+def saved_shelf(d, names):
+    """A saved shelf holding staged text files of these names, as Mosswick writes it: quicker
+    than dropping them, for cases about what comes after."""
+    items = []
+    for name in names:
+        item_id = str(uuid.uuid4())
+        folder = os.path.join(data_folder(d), "Staged", item_id.upper())
+        os.makedirs(folder)
+        [path] = make_files(folder, [name.encode()])
+        items.append({"id": item_id, "displayName": name, "stagedURL": file_uri(path),
+                      "contentTypeIdentifier": "text/plain", "byteSize": os.path.getsize(path),
+                      "addedAt": 700000000.0, "isPromised": False})
+    with open(save_file(d), "w", encoding="utf-8") as f:
+        json.dump(items, f)
 
-    def staged_in_own_folder(item, name):
-        path = staged_path(item)
-        expected = os.path.join(staging, item["id"].upper().encode(), name)
-        assert path.rstrip(b"/") == expected, (path, expected)
-        return expected
 
-    # One file, its name not UTF-8: the drag brings the shelf up, and the drop lands.
-    [latin1] = make_files(folder, [b"caf\xe9.txt"])
+@cases.case
+def file_named_not_utf8(d):
+    # The drag itself brings the shelf up, and the drop lands.
+    drops = Drops(d)
+    [latin1] = make_files(drops.folder, [b"caf\xe9.txt"])
     drops.drag("--file", latin1)
     [item] = drops.landed(1)
     assert item["originURL"] == file_uri(latin1) and "batchID" not in item, item
-    assert read_bytes(staged_in_own_folder(item, b"caf\xe9.txt")) == read_bytes(latin1)
+    assert read_bytes(drops.staged_in_own_folder(item, b"caf\xe9.txt")) == read_bytes(latin1)
     assert item["displayName"] == "caf\ufffd.txt", item["displayName"]
-    shelf.wait_frame(frame_for(1))
+    drops.shelf.wait_frame(frame_for(1))
+    drops.stop()
     print("ok: a file whose name is not UTF-8, brought up by the drag itself")
 
-    several = make_files(folder, [b"first.txt", b"second.txt", "Ünïcode ✓.txt".encode()])
+
+@cases.case
+def several_files_one_stack(d):
+    saved_shelf(d, ["single.txt"])
+    drops = Drops(d)
+    several = make_files(drops.folder, [b"first.txt", b"second.txt", "Ünïcode ✓.txt".encode()])
     drops.drag("--files", *several)
     items = drops.landed(3)
     assert [i["originURL"] for i in items] == [file_uri(p) for p in several], items
     assert len({i.get("batchID") for i in items} - {None}) == 1 and all("batchID" in i for i in items), items
     for item, path in zip(items, several):
-        assert read_bytes(staged_in_own_folder(item, os.path.basename(path))) == read_bytes(path)
-    shelf.wait_frame(frame_for(2))
+        assert read_bytes(drops.staged_in_own_folder(item, os.path.basename(path))) == read_bytes(path)
+    drops.shelf.wait_frame(frame_for(2))
     d.screenshot("stack-and-single")
+    drops.stop()
     print("ok: several files at once: one batch, one stack")
 
-    inner = os.path.join(folder, b"a folder")
+
+@cases.case
+def folder(d):
+    drops = Drops(d)
+    inner = os.path.join(drops.folder, b"a folder")
     os.makedirs(os.path.join(inner, b"sub"))
     make_files(inner, [b"top.txt"])
     make_files(os.path.join(inner, b"sub"), [b"deep.bin"], content=lambda name: bytes(range(256)) * 40)
     drops.drag("--folder", inner)
     [item] = drops.landed(1)
     assert item["contentTypeIdentifier"] == "inode/directory", item
-    assert tree(staged_in_own_folder(item, b"a folder")) == tree(inner)
+    assert tree(drops.staged_in_own_folder(item, b"a folder")) == tree(inner)
     assert item["byteSize"] >= 256 * 40, item
+    drops.stop()
     print("ok: a folder, with everything in it")
 
+
+@cases.case
+def link_with_title(d):
+    drops = Drops(d, summon=True)
     url, title = "https://example.org/a page?q=1", "Notes: a/b — ✓"
     drops.drag("--link", url, "--title", title)
     [item] = drops.landed(1)
-    link = read_bytes(staged_in_own_folder(item, "Notes- a-b — ✓.desktop".encode())).decode()
+    link = read_bytes(drops.staged_in_own_folder(item, "Notes- a-b — ✓.desktop".encode())).decode()
     assert (item["displayName"], item["webURL"]) == (title, "https://example.org/a%20page?q=1"), item
     assert link.startswith("[Desktop Entry]\n") and "\nType=Link\n" in link, link
     assert f"\nName={title}\n" in link and "\nURL=https://example.org/a%20page?q=1\n" in link, link
+    drops.stop()
     print("ok: a link with its title, as a desktop link file named by the title")
 
-    png = make_png(os.path.join(d.temp, "picture.png"), 40, 30)
-    drops.drag("--image", os.path.join(d.temp, "picture.png"))
+
+@cases.case
+def image(d):
+    drops = Drops(d, summon=True)
+    picture = os.path.join(drops.folder, b"picture.png")
+    png = make_png(picture, 40, 30)
+    drops.drag("--image", picture)
     [item] = drops.landed(1)
     assert re.fullmatch(r"Image \d{4}-\d\d-\d\d at \d\d\.\d\d\.\d\d\.png", item["displayName"]), item
-    kept = read_bytes(staged_in_own_folder(item, item["displayName"].encode()))
+    kept = read_bytes(drops.staged_in_own_folder(item, item["displayName"].encode()))
     assert png_pixels(kept) == png_pixels(png), "the image's pixels changed on the way"
     assert item["contentTypeIdentifier"] == "image/png", item
+    drops.stop()
     print(f"ok: an image, kept as {item['displayName']!r} with the same pixels")
 
-    text = "Shopping: milk/eggs\nä ö ü — ✓ 😀\n"
-    drops.drag("--text", text)
+
+@cases.case
+def text(d):
+    drops = Drops(d, summon=True)
+    words = "Shopping: milk/eggs\nä ö ü — ✓ 😀\n"
+    drops.drag("--text", words)
     [item] = drops.landed(1)
     assert item["displayName"] == "Shopping- milk-eggs.txt", item
-    assert read_bytes(staged_in_own_folder(item, b"Shopping- milk-eggs.txt")) == text.encode()
+    assert read_bytes(drops.staged_in_own_folder(item, b"Shopping- milk-eggs.txt")) == words.encode()
+    drops.stop()
     print("ok: text, kept whole as a .txt named from its first line")
 
+
+@cases.case
+def promised_file(d):
+    drops = Drops(d, summon=True)
     body = "Name,Wert\nä,1\n"
     drops.drag("--promise", "report.csv", "--promise-type", "text/csv", "--promise-data", body)
     [item] = drops.landed(1)
     assert item["displayName"] == "report.csv" and "originURL" not in item, item
-    assert read_bytes(staged_in_own_folder(item, b"report.csv")) == body.encode()
+    assert read_bytes(drops.staged_in_own_folder(item, b"report.csv")) == body.encode()
+    drops.stop()
     print("ok: a file promised over X Direct Save arrives in the item's own folder")
 
+
+@cases.case
+def file_from_xarchiver(d):
+    drops = Drops(d)
     archive = d.start_xarchiver({"inside.txt": b"from the archive\n"})
     d.drag_from_xarchiver(archive, SHELF_POINT)
     [item] = drops.landed(1)
     assert item["displayName"] == "inside.txt", item
-    assert read_bytes(staged_in_own_folder(item, b"inside.txt")) == b"from the archive\n"
+    assert read_bytes(drops.staged_in_own_folder(item, b"inside.txt")) == b"from the archive\n"
     archive.stop()
+    drops.stop()
     print("ok: a file dragged out of an archive in xarchiver")
 
-    # Eight tiles, more than fit: the shelf stops growing at seven slots.
-    shelf.wait_frame(frame_for(8))
+
+@cases.case
+def grows_up_to_seven_tiles(d):
+    # Seven saved tiles and one dropped: the shelf stops growing at the seven slots that fit.
+    saved_shelf(d, [f"saved {n}.txt" for n in range(7)])
+    drops = Drops(d)
+    [eighth] = make_files(drops.folder, [b"eighth.txt"])
+    drops.drag("--file", eighth)
+    [item] = drops.landed(1)
+    assert read_bytes(drops.staged_in_own_folder(item, b"eighth.txt")) == b"contents of eighth.txt"
+    drops.shelf.wait_frame(frame_for(8))
     d.screenshot("full-shelf")
-    shelf.stop()
-    assert len(os.listdir(staging)) == 10, os.listdir(staging)
+    drops.stop()
     print("ok: the shelf grew with its tiles up to the seven that fit")
 
-    # Restarted with reduced motion: the shelf keeps its items, stays away until a drag, then
-    # appears in place without sliding, and still takes the drop.
-    shelf = drops.shelf = Shelf(d, {"reduceMotion": True})
-    assert not shelf.visible()
-    [last] = make_files(folder, [b"last.txt"])
+
+@cases.case
+def restart_with_reduced_motion(d):
+    # The shelf keeps its items, stays away until a drag, then appears in place without sliding,
+    # still takes the drop and grows by its tile.
+    drops = Drops(d)
+    [first, last] = make_files(drops.folder, [b"first.txt", b"last.txt"])
+    drops.drag("--file", first)
+    drops.landed(1)
+    drops.shelf.wait_frame(frame_for(1))
+    drops.shelf.stop()
+    drops.shelf = Shelf(d, {"reduceMotion": True})
+    assert not drops.shelf.visible()
     drops.drag("--file", last)
     [item] = drops.landed(1)
-    assert read_bytes(staged_in_own_folder(item, b"last.txt")) == b"contents of last.txt"
-    shelf.wait_frame(frame_for(9))
-    shelf.stop()
+    kept = saved_items(d)[1]
+    assert read_bytes(drops.staged_in_own_folder(item, b"last.txt")) == b"contents of last.txt"
+    assert read_bytes(drops.staged_in_own_folder(kept, b"first.txt")) == b"contents of first.txt"
+    drops.shelf.wait_frame(frame_for(2))
+    drops.stop()
     print("ok: after a restart, with reduced motion, the shelf still has its items and takes a drop")
+
+
+cases.run()

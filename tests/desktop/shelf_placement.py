@@ -14,7 +14,7 @@ The frames are worked out by hand for a 1280x800 screen (X root pixels, y down):
   760 - 6 - h."""
 
 from desktop import Desktop, skip_unless_available
-from shelf import Shelf
+from desktop.mosswick import Shelf
 
 skip_unless_available("xcompmgr", mosswick=True)
 

@@ -15,8 +15,8 @@ expected frames allow 1 px:
 
 
 from desktop import Desktop, skip_unless_available
-from peers import make_files
-from shelf import Shelf, active_window, pixel
+from desktop.files import make_files
+from desktop.mosswick import Shelf
 
 skip_unless_available(mosswick=True)
 
@@ -43,15 +43,10 @@ def travel(d, dx, dy, steps):
     d.xdotool(*args)
 
 
-def pointer(d):
-    fields = dict(part.split(":") for part in d.xdotool("getmouselocation").split())
-    return int(fields["x"]), int(fields["y"])
-
-
 def let_go_on_the_desktop(d, source, at):
     """Moves the held drag to a point where nothing takes drops, releases it, and waits until the
     source has finished."""
-    here = pointer(d)
+    here = d.pointer()
     travel(d, at[0] - here[0], at[1] - here[1], 4)
     d.xdotool("sleep", 0.2, "mouseup", 1)
     assert source.wait() == 0
@@ -69,18 +64,18 @@ with Desktop(strut_bottom=40) as d:
     # Up beside the pointer, with room on its right; then the drag hovers over it.
     source, at = begin_drag(d, files, (100, 100, 200, 150))
     window = shelf.wait_frame((240, 21, 196, STANDARD_H))
-    assert pointer(d) == at == (215, 180), (pointer(d), at)
+    assert d.pointer() == at == (215, 180), (d.pointer(), at)
     print("ok: a drag brings the shelf up to the right of the pointer")
 
     travel(d, 80, 20, 2)
     frame = d.window_geometry(window)
     edge = (frame[0] + 9, frame[1] + frame[3] // 2)  # on the highlight's line, 8 px in
-    d.wait_for(lambda: accent_like(pixel(d, *edge)), 3, "the drop highlight")
+    d.wait_for(lambda: accent_like(d.pixel(*edge)), 3, "the drop highlight")
     # Hovering, moving a little now and then as a hand does, for well over a second.
     d.xdotool(*(["mousemove_relative", "--", 1, 0, "sleep", 0.3] * 4))
     d.xdotool("mousemove_relative", "--", -4, 0, "sleep", 0.2)
     assert shelf.visible() and d.window_geometry(window) == frame, d.window_geometry(window)
-    assert accent_like(pixel(d, *edge)), pixel(d, *edge)
+    assert accent_like(d.pixel(*edge)), d.pixel(*edge)
     d.screenshot("drop-highlight")
     print("ok: a drag hovering over the shelf keeps it up and lit")
 
@@ -91,7 +86,7 @@ with Desktop(strut_bottom=40) as d:
     # No room to the right of the pointer: it opens on the left.
     source, at = begin_drag(d, files, (1000, 300, 200, 150))
     shelf.wait_frame((896, 221, 196, STANDARD_H))
-    assert pointer(d) == at == (1115, 380), (pointer(d), at)
+    assert d.pointer() == at == (1115, 380), (d.pointer(), at)
     let_go_on_the_desktop(d, source, (400, 500))
     shelf.wait_hidden()
     print("ok: near the right edge it opens to the left of the pointer")
@@ -99,7 +94,7 @@ with Desktop(strut_bottom=40) as d:
     # Low on the screen: held above the panel.
     source, at = begin_drag(d, files, (100, 560, 200, 150))
     shelf.wait_frame((240, 434, 196, STANDARD_H))
-    assert pointer(d) == at == (215, 640), (pointer(d), at)
+    assert d.pointer() == at == (215, 640), (d.pointer(), at)
     let_go_on_the_desktop(d, source, (700, 300))
     shelf.wait_hidden()
     print("ok: low on the screen it stays above the panel")
@@ -107,7 +102,7 @@ with Desktop(strut_bottom=40) as d:
     # Summoned, it docks at its edge and leaves the focus where it was.
     shelf.summon_again()
     window = shelf.wait_frame((1078, 434, 196, STANDARD_H))
-    assert active_window(d) != window, active_window(d)
+    assert d.active_window() != window, d.active_window()
     d.screenshot("empty-shelf")
     # Off the shelf before Escape: under the pointer it would linger until the pointer leaves.
     shelf.put_away((600, 400))

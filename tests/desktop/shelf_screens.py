@@ -11,7 +11,7 @@ shelf still keeps above it. Worked out by hand:
   1286, y = 6 + (768 - 672 - 12) / 2 = 48."""
 
 from desktop import Desktop, skip_unless_available
-from shelf import Shelf
+from desktop.mosswick import Shelf
 
 skip_unless_available(mosswick=True)
 

@@ -4,19 +4,19 @@ reaches the screen edge); moving a window, press-moving over a plain window, a d
 Shift held and an ignored program do not; a drag that ends with nothing dropped takes it away
 0.3 s later, and one that dropped files on it leaves it up."""
 
-import os
 import time
 
-from desktop import Desktop, skip_unless_available
-from peers import make_files
-from shelf_watch import Drag, ShelfWatch, saved_items, start_mosswick, wakeups, write_settings
+from desktop import Desktop, Drag, skip_unless_available
+from desktop.files import make_files
+from desktop.mosswick import saved_items, wakeups, write_settings
+from desktop.watch import ShelfWatch
 
 skip_unless_available(mosswick=True)
 
 SCREEN = (1280, 800)
 EDGE_INSET = 6  # the shelf keeps this far from the screen's edges
 CURSOR_GAP = 24  # a shelf opened at the pointer starts this far right of it
-DRAG_DISTANCE = (15, 5)  # where Desktop.drag_steps has put the pointer when the drag begins
+DRAG_DISTANCE = (15, 5)  # where drag_steps has put the pointer when the drag begins
 IGNORED = "org.example.Ignored"
 
 FILES_SOURCE = ("100,100,200,150", (200, 175))
@@ -70,7 +70,7 @@ with Desktop(screens=[SCREEN]) as d:
     watch = ShelfWatch(d)
     files = make_files(d.temp, [b"report.txt", b"notes.txt"])
     write_settings(d, ignoredApplications=[IGNORED])
-    app = start_mosswick(d)
+    app = d.start_mosswick()
 
     files_source = source(d, FILES_SOURCE[0], "--files", *files)
     text_source = source(d, TEXT_SOURCE[0], "--text", "just some words")
@@ -127,7 +127,7 @@ with Desktop(screens=[SCREEN]) as d:
     # At the pointer: the shelf opens beside the pointer where the drag began, and in place.
     app.stop()
     write_settings(d, showTrigger="dragStartsAtCursor")
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     start = FILES_SOURCE[1]
     done = Drag(d, start, (start[0], 650))  # straight down, away from where the shelf opens
     watch.wait("map", done.started)
@@ -143,7 +143,7 @@ with Desktop(screens=[SCREEN]) as d:
     # Only at the screen edge: 7 px short of it is not there yet, 6 px is.
     app.stop()
     write_settings(d, showTrigger="dragToScreenEdge")
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     assert_stays_away(d, watch, "a drag in the middle", FILES_SOURCE[1], (640, 300))
     assert_stays_away(d, watch, "7 px from the edge", FILES_SOURCE[1], (SCREEN[0] - 7, 300))
     done, shown, _ = assert_comes_and_goes(d, watch, "6 px from the edge", FILES_SOURCE[1], (SCREEN[0] - 6, 300))
@@ -153,7 +153,7 @@ with Desktop(screens=[SCREEN]) as d:
     # Dropped on the shelf: it holds the files and stays, with the pointer gone from it too.
     app.stop()
     write_settings(d)
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     done = Drag(d, FILES_SOURCE[1], (SCREEN[0] - EDGE_INSET - 98, SCREEN[1] - EDGE_INSET - 72)).finish()
     d.wait_for(lambda: len(saved_items(d)) == 2, 5, "the dropped files to be saved on the shelf")
     d.move(640, 300)  # a pointer resting on the shelf would keep it up by itself

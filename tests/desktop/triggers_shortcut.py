@@ -10,8 +10,9 @@ import time
 import uuid
 
 from desktop import Desktop, mosswick_binary, skip_unless_available
-from peers import file_uri, make_files
-from shelf_watch import ShelfWatch, saved_items, shelf_file, start_mosswick
+from desktop.files import file_uri, make_files
+from desktop.mosswick import save_file, saved_items
+from desktop.watch import ShelfWatch
 
 skip_unless_available(mosswick=True)
 
@@ -24,8 +25,8 @@ def prepare_shelf(d, paths):
     items = [{"id": str(uuid.uuid4()), "displayName": os.path.basename(p).decode(), "originURL": file_uri(p),
               "contentTypeIdentifier": "text/plain", "byteSize": os.path.getsize(p), "addedAt": 700000000.0,
               "isPromised": False} for p in paths]
-    os.makedirs(os.path.dirname(shelf_file(d)), exist_ok=True)
-    with open(shelf_file(d), "w", encoding="utf-8") as f:
+    os.makedirs(os.path.dirname(save_file(d)), exist_ok=True)
+    with open(save_file(d), "w", encoding="utf-8") as f:
         json.dump(items, f)
 
 
@@ -52,7 +53,7 @@ with Desktop() as d:
     watch = ShelfWatch(d)
     kept = make_files(d.temp, [b"kept one.txt", b"kept two.txt"])
     prepare_shelf(d, kept)
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     # A restored shelf waits, hidden, until it is asked for.
     time.sleep(0.3)
     assert watch.shelf() == [], watch.shelf()
@@ -113,7 +114,7 @@ with Desktop() as d:
     app.stop()
     holder = d.start_peer("grab-key", "--key", "F5")
     d.wait_output(holder, "ready")
-    app = start_mosswick(d)
+    app = d.start_mosswick()
     refusal = re.search(r"Mosswick: could not register shortcut F5 \(OSStatus \d+\)", app.output())
     assert refusal, app.output()
     assert "or press F5" not in app.output(), app.output()

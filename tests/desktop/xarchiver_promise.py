@@ -4,7 +4,8 @@ into the receiver's folder under the entry's own name (xarchiver ignores the pro
 import os
 
 from desktop import Desktop, skip_unless_available
-from peers import PeerPair, file_uri
+from desktop.files import file_uri
+from desktop.peers import PeerPair
 
 skip_unless_available("xarchiver", "zip", "unzip")
 

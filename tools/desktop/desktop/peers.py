@@ -1,20 +1,10 @@
 """Drags between two test peers: one receiver stays up, each drag starts a source of its own."""
 
 import base64
-import os
-import struct
-import urllib.parse
-import zlib
 
 SOURCE_GEOMETRY = "100,100,200,150"
 SOURCE_POINT = (200, 175)
 TARGET_GEOMETRY = "700,100,300,200"
-TARGET_POINT = (850, 200)
-
-
-def file_uri(path):
-    """The file URI of a path given as bytes, percent-encoded as file managers write it."""
-    return "file://" + urllib.parse.quote(path, safe="/!$&'()*+,;=:@~")
 
 
 def data(drop, target):
@@ -54,29 +44,3 @@ class PeerPair:
         self.drops += 1
         drop = self.desktop.wait_json(self.report, until=lambda r: len(r["drops"]) >= self.drops)
         return drop["drops"][self.drops - 1], reported
-
-
-def make_files(folder, names, content=lambda name: b"contents of " + name):
-    """Creates files (names as bytes) in `folder` and returns their paths as bytes."""
-    paths = []
-    for name in names:
-        path = os.path.join(os.fsencode(folder), name)
-        with open(path, "wb") as f:
-            f.write(content(name))
-        paths.append(path)
-    return paths
-
-
-def make_png(path, width, height):
-    """Writes a PNG of a colour gradient (RGB, 8 bits) and returns its bytes."""
-    rows = b"".join(b"\0" + bytes(v for x in range(width) for v in (x * 255 // width, y * 255 // height, 128))
-                    for y in range(height))
-
-    def chunk(kind, body):
-        return struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-
-    png = b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)) + \
-        chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b"")
-    with open(path, "wb") as f:
-        f.write(png)
-    return png
