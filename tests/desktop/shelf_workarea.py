@@ -10,7 +10,7 @@ monitor's columns only. Worked out by hand, right bottom, standard (320 px):
 - first monitor, untouched: x = 1280 - 196 - 6 = 1078, y = 800 - 6 - 320 = 474."""
 
 from desktop import Desktop, skip_unless_available
-from shelf import Shelf
+from desktop.mosswick import Shelf
 
 skip_unless_available(mosswick=True)
 
