@@ -7,6 +7,7 @@
 #include "triggers/DragMonitor.h"
 #include "triggers/HotKeyManager.h"
 #include "triggers/KeyCombo.h"
+#include "triggers/SleepWatch.h"
 #include "shelf/ShelfWindowController.h"
 
 namespace mosswick {
@@ -51,6 +52,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     presentation.hasContent = !services_.store.items().empty();
     presentation.isSuppressed = true;
     controller.applyPresentation(false, 0);
+
+    services_.sleepWatch.watchWakes([this] { systemDidWake(); });
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {

@@ -5,6 +5,7 @@
 #include <QMimeData>
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
+#include "platform/freedesktop/LogindSleepWatch.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
@@ -65,7 +66,14 @@ DesktopBackends DesktopBackends::forThisSession() {
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
     }
+
+    backends.followDesktopState();
     return backends;
+}
+
+void DesktopBackends::followDesktopState() {
+    // Without a system bus (containers, bare test hosts) the watch stays silent.
+    sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
 }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {

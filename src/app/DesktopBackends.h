@@ -12,6 +12,7 @@ class DesktopProbe;
 class HotKeyService;
 class KeyboardLayout;
 class PanelWindowHints;
+class SleepWatch;
 class X11Connection;
 class X11DirectSaveReceiver;
 
@@ -33,8 +34,12 @@ public:
     // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
     ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
 
+    // What the application follows of the desktop beyond the shelf's own window.
+    SleepWatch& sleepWatch() { return *sleepWatch_; }
+
 private:
     DesktopBackends();
+    void followDesktopState();
 
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
@@ -44,6 +49,8 @@ private:
     std::unique_ptr<HotKeyService> hotKeys_;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
+
+    std::unique_ptr<SleepWatch> sleepWatch_;
 };
 
 }  // namespace mosswick

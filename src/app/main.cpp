@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
         [] { QApplication::beep(); }, [&controller] { controller.summon(); }, ingest};
     AppDelegate delegate({preferences, store, controller, dragMonitor, hotKeys, defaults,
                           [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
-                          applyAppearance});
+                          applyAppearance, desktop.sleepWatch()});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 

@@ -12,4 +12,5 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DummyHotKeyService.h
   HotKeyManager.h HotKeyManager.cpp
   SystemLog.h SystemLog.cpp
+  SleepWatch.h
 )
