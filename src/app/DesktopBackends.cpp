@@ -6,6 +6,7 @@
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
+#include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
@@ -74,6 +75,7 @@ DesktopBackends DesktopBackends::forThisSession() {
 void DesktopBackends::followDesktopState() {
     // Without a system bus (containers, bare test hosts) the watch stays silent.
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
+    colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
 }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {

@@ -6,6 +6,7 @@
 
 namespace mosswick {
 
+class DesktopColorScheme;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
@@ -36,6 +37,7 @@ public:
 
     // What the application follows of the desktop beyond the shelf's own window.
     SleepWatch& sleepWatch() { return *sleepWatch_; }
+    DesktopColorScheme& colorScheme() { return *colorScheme_; }
 
 private:
     DesktopBackends();
@@ -51,6 +53,7 @@ private:
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
+    std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 
 }  // namespace mosswick

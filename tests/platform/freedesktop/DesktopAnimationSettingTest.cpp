@@ -2,11 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <QDBusConnection>
-#include <QDBusContext>
-#include <QDBusMessage>
-#include <QDBusVariant>
-#include <QMap>
 
+#include "FakeSettingsPortal.h"
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "support/TestFolders.h"
 #include "support/EventWaiting.h"
@@ -18,36 +15,8 @@ using mosswick::testing::waitUntil;
 
 namespace {
 
-const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
-
-// The settings portal as GNOME's and KDE's desktops run it: Read answers a variant in a variant.
-class FakeSettingsPortal final : public QObject, protected QDBusContext {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
-
-public:
-    QMap<QString, QVariant> values;
-
-    void change(QDBusConnection& connection, const QString& group, const QString& key,
-                const QVariant& value) {
-        values[group + QLatin1Char('/') + key] = value;
-        QDBusMessage signal = QDBusMessage::createSignal(
-            kPath, QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"));
-        signal << group << key << QVariant::fromValue(QDBusVariant(value));
-        connection.send(signal);
-    }
-
-public slots:
-    QDBusVariant Read(const QString& group, const QString& key) {
-        const auto found = values.find(group + QLatin1Char('/') + key);
-        if (found == values.end()) {
-            sendErrorReply(QStringLiteral("org.freedesktop.portal.Error.NotFound"),
-                           QStringLiteral("no such key"));
-            return {};
-        }
-        return QDBusVariant(QVariant::fromValue(QDBusVariant(*found)));
-    }
-};
+using mosswick::testing::FakeSettingsPortal;
+const QString& kPath = FakeSettingsPortal::kPath;
 
 class DesktopAnimationSettingTest : public ::testing::Test {
 protected:
@@ -109,5 +78,3 @@ TEST_F(DesktopAnimationSettingTest, NoPortalAndNoFileMeansAnimationsStayOn) {
 }
 
 }  // namespace
-
-#include "DesktopAnimationSettingTest.moc"
