@@ -5,6 +5,7 @@
 #include <QMimeData>
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
+#include "platform/freedesktop/DesktopEntries.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
 #include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
@@ -75,6 +76,7 @@ DesktopBackends DesktopBackends::forThisSession() {
 void DesktopBackends::followDesktopState() {
     // Without a system bus (containers, bare test hosts) the watch stays silent.
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
+    installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
 }
 

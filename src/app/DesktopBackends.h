@@ -11,6 +11,7 @@ class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
 class HotKeyService;
+class InstalledApplications;
 class KeyboardLayout;
 class PanelWindowHints;
 class SleepWatch;
@@ -37,6 +38,7 @@ public:
 
     // What the application follows of the desktop beyond the shelf's own window.
     SleepWatch& sleepWatch() { return *sleepWatch_; }
+    InstalledApplications& installedApplications() { return *installedApplications_; }
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
 
 private:
@@ -53,6 +55,7 @@ private:
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
+    std::unique_ptr<InstalledApplications> installedApplications_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 

@@ -73,6 +73,7 @@ int main(int argc, char** argv) {
 
     DragMonitor dragMonitor(desktop.probe(), scheduler, preferences);
     dragMonitor.displayFrameAt = QtDisplayEnvironment::deviceFrameAt;
+    dragMonitor.setInstalledApplications(&desktop.installedApplications());
     DragMonitor::setShared(&dragMonitor);
     HotKeyManager hotKeys(desktop.hotKeys(), scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);

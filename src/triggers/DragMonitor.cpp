@@ -2,6 +2,7 @@
 
 #include "model/Preferences.h"
 #include "triggers/DummyDesktopProbe.h"
+#include "triggers/IgnoredApplications.h"
 
 namespace mosswick {
 
@@ -37,6 +38,10 @@ DragMonitor& DragMonitor::shared() {
 }
 
 void DragMonitor::setShared(DragMonitor* monitor) { installed = monitor; }
+
+void DragMonitor::setInstalledApplications(InstalledApplications* applications) {
+    installedApplications_ = applications;
+}
 
 const QStringList& DragMonitor::shelvableTypes() {
     // The file URL type, the URL types browsers use for links, and X Direct Save's promise.
@@ -169,9 +174,9 @@ bool DragMonitor::carriesSomethingShelvable() {
 bool DragMonitor::shouldReactToCurrentApp() {
     const QStringList& ignored = preferences_.ignoredApplications();
     if (ignored.isEmpty()) return true;
-    const QString frontmost = probe_.frontmostApplicationId();
-    if (frontmost.isEmpty()) return true;
-    return !ignored.contains(frontmost, Qt::CaseSensitive);
+    static NoInstalledApplications noneKnown;
+    return !IgnoredApplications::includes(ignored, probe_.frontmostApplication(),
+                                          installedApplications_ ? *installedApplications_ : noneKnown);
 }
 
 }  // namespace mosswick

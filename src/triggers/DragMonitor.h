@@ -10,6 +10,7 @@
 
 namespace mosswick {
 
+class InstalledApplications;
 class Preferences;
 
 // Watches the whole desktop for the start of a drag that the shelf could hold. Other programs'
@@ -40,6 +41,8 @@ public:
     std::function<std::optional<QRectF>(QPointF pointer)> displayFrameAt = [](QPointF) {
         return std::optional<QRectF>{};
     };
+    // Where a window known only by its class finds its desktop-file id; none until set.
+    void setInstalledApplications(InstalledApplications* applications);
 
     // Types whose presence on the drag pasteboard makes a drag worth showing the shelf for: file
     // and web links, and promised files.
@@ -77,6 +80,7 @@ private:
     qint64 lastChangeCount_ = 0;
     bool hasReportedEdge_ = false;
     std::optional<PendingChange> pendingChange_;
+    InstalledApplications* installedApplications_ = nullptr;
 };
 
 }  // namespace mosswick

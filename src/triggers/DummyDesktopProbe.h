@@ -14,7 +14,7 @@ public:
     bool isLeftButtonDown() override { return false; }
     bool isShiftDown() override { return false; }
     QPointF pointerLocation() override { return {}; }
-    QString frontmostApplicationId() override { return {}; }
+    FrontmostApplication frontmostApplication() override { return {}; }
 };
 
 }  // namespace mosswick

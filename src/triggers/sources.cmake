@@ -4,6 +4,8 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DesktopProbe.h
   DummyDesktopProbe.h
   DragMonitor.h DragMonitor.cpp
+  InstalledApplications.h
+  IgnoredApplications.h IgnoredApplications.cpp
   EvdevKeyCodes.h EvdevKeyCodes.cpp
   KeyboardLayout.h KeyboardLayout.cpp
   KeyCodeNames.h KeyCodeNames.cpp

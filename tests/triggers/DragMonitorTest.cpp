@@ -25,7 +25,7 @@ public:
     bool isLeftButtonDown() override { return buttonDown; }
     bool isShiftDown() override { return shiftDown; }
     QPointF pointerLocation() override { return pointer; }
-    QString frontmostApplicationId() override { return frontmost; }
+    mosswick::FrontmostApplication frontmostApplication() override { return {frontmost, {}}; }
 
     bool isWatched() const { return static_cast<bool>(handler_); }
     void send(Event event) {

@@ -133,6 +133,8 @@ QPointF X11DesktopProbe::pointerLocation() {
     return location;
 }
 
-QString X11DesktopProbe::frontmostApplicationId() { return X11ActiveApplication::id(connection_); }
+FrontmostApplication X11DesktopProbe::frontmostApplication() {
+    return X11ActiveApplication::frontmost(connection_);
+}
 
 }  // namespace mosswick

@@ -28,7 +28,7 @@ public:
     bool isLeftButtonDown() override;
     bool isShiftDown() override;
     QPointF pointerLocation() override;
-    QString frontmostApplicationId() override;
+    FrontmostApplication frontmostApplication() override;
 
 private:
     X11DesktopProbe(X11Connection& connection, std::unique_ptr<X11DragSelection> selection, int xinputOpcode);
