@@ -31,13 +31,6 @@ protected:
     std::filesystem::path home, system, local;
 };
 
-TEST_F(DesktopEntriesTest, FoldersAreTheDataHomeFirstThenEachDataDir) {
-    const QStringList expected{QString::fromStdString((home / "applications").string()),
-                               QString::fromStdString((local / "applications").string()),
-                               QString::fromStdString((system / "applications").string())};
-    EXPECT_EQ(DesktopEntries::defaultFolders(), expected);
-}
-
 TEST_F(DesktopEntriesTest, ReadsWindowClassesWithTheirIdsAndPrecedence) {
     writeFile(system / "applications/google-chrome.desktop",
               entry("Type=Application\nStartupWMClass=Google-chrome\n"));

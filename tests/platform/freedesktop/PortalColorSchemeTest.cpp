@@ -2,7 +2,6 @@
 // application's palette.
 #include <gtest/gtest.h>
 
-#include <QDBusConnection>
 #include <QGuiApplication>
 
 #include "FakeSettingsPortal.h"
@@ -10,12 +9,9 @@
 #include "interaction/ShelfPalette.h"
 #include "platform/freedesktop/PortalColorScheme.h"
 #include "support/EventWaiting.h"
-#include "support/PrivateSessionBus.h"
 
 using namespace mosswick;
-using mosswick::testing::FakeSettingsPortal;
 using mosswick::testing::keepRunning;
-using mosswick::testing::PrivateSessionBus;
 using mosswick::testing::waitUntil;
 using Scheme = DesktopColorScheme::Scheme;
 
@@ -29,34 +25,18 @@ bool applicationLooksDark() { return ShelfPalette::isDark(QGuiApplication::palet
 class PortalColorSchemeTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (!bus.isRunning()) GTEST_SKIP() << bus.problem().toStdString();
-        portalSide = std::make_unique<QDBusConnection>(
-            QDBusConnection::connectToBus(bus.address(), QStringLiteral("fake-appearance-portal")));
-        client = std::make_unique<QDBusConnection>(
-            QDBusConnection::connectToBus(bus.address(), QStringLiteral("appearance-client")));
-        ASSERT_TRUE(portalSide->registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
-        ASSERT_TRUE(
-            portalSide->registerObject(FakeSettingsPortal::kPath, &portal, QDBusConnection::ExportAllSlots));
+        if (!portalBus.problem().isEmpty()) GTEST_SKIP() << portalBus.problem().toStdString();
         QGuiApplication::setPalette(ShelfPalette::light());  // a light desktop, as Qt sees it
     }
-    void TearDown() override {
-        client.reset();
-        portalSide.reset();
-        QDBusConnection::disconnectFromBus(QStringLiteral("appearance-client"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("fake-appearance-portal"));
-    }
 
-    void desktopSwitchesTo(uint scheme) { portal.change(*portalSide, kAppearance, kColorScheme, scheme); }
+    void desktopSwitchesTo(uint scheme) { portalBus.change(kAppearance, kColorScheme, scheme); }
 
-    PrivateSessionBus bus;
-    FakeSettingsPortal portal;
-    std::unique_ptr<QDBusConnection> portalSide;
-    std::unique_ptr<QDBusConnection> client;
+    mosswick::testing::SettingsPortalBus portalBus;
 };
 
 TEST_F(PortalColorSchemeTest, SystemAppearanceFollowsTheDesktopWhileRunning) {
-    portal.values[kAppearance + QStringLiteral("/") + kColorScheme] = 2u;
-    PortalColorScheme scheme(*client);
+    portalBus.portal.values[kAppearance + QStringLiteral("/") + kColorScheme] = 2u;
+    PortalColorScheme scheme(portalBus.client());
     ApplicationAppearance appearance(scheme);
     appearance.apply(AppearanceMode::system);
     ASSERT_TRUE(waitUntil([&] { return scheme.scheme() == Scheme::light; }));
@@ -68,36 +48,27 @@ TEST_F(PortalColorSchemeTest, SystemAppearanceFollowsTheDesktopWhileRunning) {
     ASSERT_TRUE(waitUntil([&] { return !applicationLooksDark(); }));
 
     // Other settings of the portal are no business of ours.
-    portal.change(*portalSide, kAppearance, QStringLiteral("accent-color"), 1u);
-    portal.change(*portalSide, QStringLiteral("org.gnome.desktop.interface"), kColorScheme, 1u);
+    portalBus.change(kAppearance, QStringLiteral("accent-color"), 1u);
+    portalBus.change(QStringLiteral("org.gnome.desktop.interface"), kColorScheme, 1u);
     keepRunning(50);
     EXPECT_FALSE(applicationLooksDark());
-}
 
-TEST_F(PortalColorSchemeTest, ChosenLightOrDarkIgnoresTheDesktop) {
-    portal.values[kAppearance + QStringLiteral("/") + kColorScheme] = 1u;
-    PortalColorScheme scheme(*client);
-    ApplicationAppearance appearance(scheme);
     appearance.apply(AppearanceMode::light);
+    desktopSwitchesTo(1);
     ASSERT_TRUE(waitUntil([&] { return scheme.scheme() == Scheme::dark; }));
-    EXPECT_FALSE(applicationLooksDark());
-
-    appearance.apply(AppearanceMode::dark);
-    desktopSwitchesTo(2);
-    ASSERT_TRUE(waitUntil([&] { return scheme.scheme() == Scheme::light; }));
-    EXPECT_TRUE(applicationLooksDark());
+    EXPECT_FALSE(applicationLooksDark()) << "a chosen appearance ignores the desktop";
 }
 
 TEST_F(PortalColorSchemeTest, AnOlderPortalIsReadWithRead) {
-    portal.answersReadOne = false;
-    portal.values[kAppearance + QStringLiteral("/") + kColorScheme] = 1u;
-    PortalColorScheme scheme(*client);
+    portalBus.portal.answersReadOne = false;
+    portalBus.portal.values[kAppearance + QStringLiteral("/") + kColorScheme] = 1u;
+    PortalColorScheme scheme(portalBus.client());
     ASSERT_TRUE(waitUntil([&] { return scheme.scheme() == Scheme::dark; }));
 }
 
 TEST_F(PortalColorSchemeTest, WithoutAPortalQtsPaletteDecides) {
-    portalSide->unregisterObject(FakeSettingsPortal::kPath);
-    PortalColorScheme scheme(*client);
+    portalBus.removePortal();
+    PortalColorScheme scheme(portalBus.client());
     ApplicationAppearance appearance(scheme);
     appearance.apply(AppearanceMode::system);
     keepRunning(100);
