@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QFileSystemWatcher>
-#include <QMutex>
 #include <QObject>
 #include <QStringList>
 #include <QThreadPool>
