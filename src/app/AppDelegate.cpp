@@ -7,6 +7,7 @@
 #include "triggers/DragMonitor.h"
 #include "triggers/HotKeyManager.h"
 #include "triggers/KeyCombo.h"
+#include "triggers/SleepWatch.h"
 #include "shelf/ShelfWindowController.h"
 
 namespace mosswick {
@@ -44,6 +45,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     hotKeys.registerCombo(KeyCombo::load(services_.defaults));
 
     controller.resetToHidden();
+
+    services_.sleepWatch.watchWakes([this] { systemDidWake(); });
 }
 
 bool AppDelegate::applicationShouldHandleReopen() {

@@ -13,6 +13,7 @@ class HotKeyManager;
 class Preferences;
 class ShelfStore;
 class ShelfWindowController;
+class SleepWatch;
 
 // Wires the long-lived components together at launch and takes them down in order at quit. It
 // owns no shelf logic: whether the shelf is up is the window controller's decision, which the
@@ -32,6 +33,8 @@ public:
         std::function<void()> addClipboardContents;
         // Applies light, dark or the desktop's own palette to the whole application.
         std::function<void(AppearanceMode)> applyAppearance;
+        // Says when the machine wakes, to run systemDidWake().
+        SleepWatch& sleepWatch;
     };
 
     explicit AppDelegate(Services services, QObject* parent = nullptr);

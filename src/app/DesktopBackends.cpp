@@ -5,6 +5,9 @@
 #include <QMimeData>
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
+#include "platform/freedesktop/DesktopEntries.h"
+#include "platform/freedesktop/LogindSleepWatch.h"
+#include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
@@ -70,7 +73,16 @@ DesktopBackends DesktopBackends::forThisSession() {
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
     }
+
+    backends.followDesktopState();
     return backends;
+}
+
+void DesktopBackends::followDesktopState() {
+    // Without a system bus (containers, bare test hosts) the watch stays silent.
+    sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
+    installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
+    colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
 }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {

@@ -6,12 +6,15 @@
 
 namespace mosswick {
 
+class DesktopColorScheme;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
 class HotKeyService;
+class InstalledApplications;
 class KeyboardLayout;
 class PanelWindowHints;
+class SleepWatch;
 class X11Connection;
 class X11DirectSaveReceiver;
 
@@ -33,8 +36,14 @@ public:
     // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
     ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
 
+    // What the application follows of the desktop beyond the shelf's own window.
+    SleepWatch& sleepWatch() { return *sleepWatch_; }
+    InstalledApplications& installedApplications() { return *installedApplications_; }
+    DesktopColorScheme& colorScheme() { return *colorScheme_; }
+
 private:
     DesktopBackends();
+    void followDesktopState();
 
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
@@ -44,6 +53,10 @@ private:
     std::unique_ptr<HotKeyService> hotKeys_;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
+
+    std::unique_ptr<SleepWatch> sleepWatch_;
+    std::unique_ptr<InstalledApplications> installedApplications_;
+    std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 
 }  // namespace mosswick

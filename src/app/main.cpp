@@ -8,7 +8,7 @@
 #include "app/AppDelegate.h"
 #include "app/DesktopBackends.h"
 #include "ingest/ClipboardImport.h"
-#include "interaction/ShelfPalette.h"
+#include "interaction/ApplicationAppearance.h"
 #include "model/AppFiles.h"
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
@@ -28,11 +28,6 @@ using namespace mosswick;
 namespace {
 
 const QString kSummonOption = QStringLiteral("summon");
-
-void applyAppearance(AppearanceMode mode) {
-    static const QPalette desktop = QApplication::palette();
-    QApplication::setPalette(ShelfPalette::forAppearance(mode, desktop));
-}
 
 }  // namespace
 
@@ -76,16 +71,19 @@ int main(int argc, char** argv) {
     ShelfWindowController::setShared(&controller);
 
     DragMonitor dragMonitor(desktop.probe(), desktop.displays(), scheduler, preferences);
+    dragMonitor.setInstalledApplications(&desktop.installedApplications());
     DragMonitor::setShared(&dragMonitor);
     HotKeyManager hotKeys(desktop.hotKeys(), scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);
 
+    ApplicationAppearance appearance(desktop.colorScheme());
     const ClipboardImport::Services clipboardImport{
         [] { return std::make_unique<QClipboardPasteboard>(*QGuiApplication::clipboard()); },
         [] { QApplication::beep(); }, [&controller] { controller.summon(); }, ingest};
     AppDelegate delegate({preferences, store, controller, dragMonitor, hotKeys, defaults,
                           [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
-                          applyAppearance});
+                          [&appearance](AppearanceMode mode) { appearance.apply(mode); },
+                          desktop.sleepWatch()});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 

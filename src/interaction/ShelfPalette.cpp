@@ -58,7 +58,11 @@ QPalette ShelfPalette::forAppearance(AppearanceMode mode, const QPalette& deskto
         case AppearanceMode::system:
             break;
     }
-    QPalette chosen = isDark(desktop) ? dark() : light();
+    return following(isDark(desktop), desktop);
+}
+
+QPalette ShelfPalette::following(bool wantDark, const QPalette& desktop) {
+    QPalette chosen = wantDark ? dark() : light();
     const QColor accent = desktop.color(QPalette::Active, QPalette::Highlight);
     if (accent.isValid()) {
         for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {

@@ -16,6 +16,8 @@ public:
     static QPalette light();
     static QPalette dark();
     static QPalette forAppearance(AppearanceMode mode, const QPalette& desktop);
+    // The dark or light palette in the desktop's accent colour.
+    static QPalette following(bool wantDark, const QPalette& desktop);
     static bool isDark(const QPalette& palette);
 };
 

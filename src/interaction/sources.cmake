@@ -6,6 +6,8 @@ set(MOSSWICK_INTERACTION_SOURCES
   ItemIcon.h ItemIcon.cpp
   ShelfPalette.h ShelfPalette.cpp
   ShelfColors.h ShelfColors.cpp
+  DesktopColorScheme.h
+  ApplicationAppearance.h ApplicationAppearance.cpp
   SpringCurve.h SpringCurve.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.

@@ -6,6 +6,14 @@
 
 namespace mosswick {
 
+// The program whose window is active, as its window names it.
+struct FrontmostApplication {
+    // Its desktop-file id (without ".desktop") where the window says so; empty otherwise.
+    QString applicationId;
+    // The window's class (X11's WM_CLASS class), empty when it has none.
+    QString windowClass;
+};
+
 // What the drag monitor can learn about other programs' drags: the desktop's mouse and the
 // system-wide drag pasteboard, seen from outside. Implementations answer from the main thread and
 // never wait on another program.
@@ -34,8 +42,8 @@ public:
 
     virtual bool isLeftButtonDown() = 0;
     virtual bool isShiftDown() = 0;
-    // The desktop-file id of the program whose window is active, empty when unknown.
-    virtual QString frontmostApplicationId() = 0;
+    // Both empty when no window is active or nothing is known of it.
+    virtual FrontmostApplication frontmostApplication() = 0;
 };
 
 }  // namespace mosswick

@@ -4,6 +4,7 @@
 #include "model/Preferences.h"
 #include "shelf/WindowPlacement.h"
 #include "triggers/DummyDesktopProbe.h"
+#include "triggers/IgnoredApplications.h"
 
 namespace mosswick {
 
@@ -44,6 +45,10 @@ DragMonitor& DragMonitor::shared() {
 }
 
 void DragMonitor::setShared(DragMonitor* monitor) { installed = monitor; }
+
+void DragMonitor::setInstalledApplications(InstalledApplications* applications) {
+    installedApplications_ = applications;
+}
 
 void DragMonitor::start() {
     if (started_) return;
@@ -169,9 +174,9 @@ bool DragMonitor::carriesSomethingShelvable() { return PasteboardTypes::bringsSh
 bool DragMonitor::shouldReactToCurrentApp() {
     const QStringList& ignored = preferences_.ignoredApplications();
     if (ignored.isEmpty()) return true;
-    const QString frontmost = probe_.frontmostApplicationId();
-    if (frontmost.isEmpty()) return true;
-    return !ignored.contains(frontmost, Qt::CaseSensitive);
+    static NoInstalledApplications noneKnown;
+    return !IgnoredApplications::includes(ignored, probe_.frontmostApplication(),
+                                          installedApplications_ ? *installedApplications_ : noneKnown);
 }
 
 }  // namespace mosswick

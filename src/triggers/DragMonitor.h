@@ -10,6 +10,7 @@
 
 namespace mosswick {
 
+class InstalledApplications;
 class Preferences;
 
 // Watches the whole desktop for the start of a drag that the shelf could hold. Other programs'
@@ -37,6 +38,9 @@ public:
     std::function<void()> onDragBegan = [] {};
     std::function<void()> onDragEnded = [] {};
     std::function<void()> onDragReachedEdge = [] {};
+
+    // Where a window known only by its class finds its desktop-file id; none until set.
+    void setInstalledApplications(InstalledApplications* applications);
 
     void start();
     // Ends watching without reporting the end of a drag in progress.
@@ -71,6 +75,7 @@ private:
     qint64 lastChangeCount_ = 0;
     bool hasReportedEdge_ = false;
     std::optional<PendingChange> pendingChange_;
+    InstalledApplications* installedApplications_ = nullptr;
 };
 
 }  // namespace mosswick

@@ -13,7 +13,7 @@ public:
     QStringList dragTypes() override { return {}; }
     bool isLeftButtonDown() override { return false; }
     bool isShiftDown() override { return false; }
-    QString frontmostApplicationId() override { return {}; }
+    FrontmostApplication frontmostApplication() override { return {}; }
 };
 
 }  // namespace mosswick

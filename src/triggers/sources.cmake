@@ -4,6 +4,8 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DesktopProbe.h
   DummyDesktopProbe.h
   DragMonitor.h DragMonitor.cpp
+  InstalledApplications.h
+  IgnoredApplications.h IgnoredApplications.cpp
   EvdevKeyCodes.h EvdevKeyCodes.cpp
   KeyboardLayout.h KeyboardLayout.cpp
   KeyCodeNames.h KeyCodeNames.cpp
@@ -12,4 +14,5 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DummyHotKeyService.h
   HotKeyManager.h HotKeyManager.cpp
   SystemLog.h SystemLog.cpp
+  SleepWatch.h
 )

@@ -11,6 +11,7 @@
 #include "triggers/DragMonitor.h"
 #include "triggers/DummyDesktopProbe.h"
 #include "triggers/HotKeyManager.h"
+#include "triggers/SleepWatch.h"
 #include "shelf/ShelfWindowController.h"
 #include "support/ManualScheduler.h"
 #include "support/TestFolders.h"
@@ -37,6 +38,18 @@ public:
 
 private:
     EventHandler events_;
+};
+
+// The machine as the test sends it to sleep and wakes it.
+class SleepyMachine final : public SleepWatch {
+public:
+    void watchWakes(std::function<void()> woke) override { woke_ = std::move(woke); }
+    void wake() {
+        if (woke_) woke_();
+    }
+
+private:
+    std::function<void()> woke_;
 };
 
 class AppDelegateTest : public ::testing::Test {
@@ -79,9 +92,10 @@ protected:
     HotKeyManager hotKeys{keys, clock, defaults};
     int clipboardImports = 0;
     std::vector<AppearanceMode> appearances;
+    SleepyMachine machine;
     AppDelegate delegate{{preferences, store, controller, monitor, hotKeys, defaults,
                           [this] { ++clipboardImports; },
-                          [this](AppearanceMode mode) { appearances.push_back(mode); }}};
+                          [this](AppearanceMode mode) { appearances.push_back(mode); }, machine}};
 };
 
 TEST_F(AppDelegateTest, ARestoredShelfStaysAwayUntilTheApplicationIsOpenedAgain) {
@@ -131,7 +145,7 @@ TEST_F(AppDelegateTest, WakingDropsOnlyItemsWhoseFilesAreGoneEverywhere) {
     store.add({copyOnly, lost, promised});
     std::filesystem::remove_all(ItemStaging::itemFolder(lost.id));
 
-    delegate.systemDidWake();
+    machine.wake();
     ASSERT_EQ(store.items().size(), 2u);
     EXPECT_EQ(store.items()[0].id, copyOnly.id);
     EXPECT_EQ(store.items()[1].id, promised.id);

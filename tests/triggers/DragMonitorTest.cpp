@@ -29,7 +29,7 @@ public:
     QStringList dragTypes() override { return types; }
     bool isLeftButtonDown() override { return buttonDown; }
     bool isShiftDown() override { return shiftDown; }
-    QString frontmostApplicationId() override { return frontmost; }
+    mosswick::FrontmostApplication frontmostApplication() override { return {frontmost, {}}; }
 
     bool isWatched() const { return static_cast<bool>(handler_); }
     void send(Event event) {

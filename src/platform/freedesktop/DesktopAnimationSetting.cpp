@@ -13,19 +13,10 @@ namespace mosswick {
 
 namespace {
 
-const QString kSettingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
-
 const QString kGnomeGroup = QStringLiteral("org.gnome.desktop.interface");
 const QString kGnomeKey = QStringLiteral("enable-animations");
 const QString kKdeGroup = QStringLiteral("org.kde.kdeglobals.KDE");
 const QString kKdeKey = QStringLiteral("AnimationDurationFactor");
-
-// The portal's old Read wraps the value in a second variant; ReadOne does not.
-QVariant unwrapped(QVariant value) {
-    while (value.canConvert<QDBusVariant>() && value.userType() == qMetaTypeId<QDBusVariant>())
-        value = value.value<QDBusVariant>().variant();
-    return value;
-}
 
 }  // namespace
 
@@ -38,7 +29,7 @@ DesktopAnimationSetting::DesktopAnimationSetting(const QDBusConnection& bus, con
         if (ok) kdeAnimationFactor_ = factor;
     }
     if (!bus_.isConnected()) return;
-    bus_.connect(DesktopPortal::kService, DesktopPortal::kPath, kSettingsInterface,
+    bus_.connect(DesktopPortal::kService, DesktopPortal::kPath, DesktopPortal::kSettingsInterface,
                  QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
     ask(kGnomeGroup, kGnomeKey);
     ask(kKdeGroup, kKdeKey);
@@ -57,8 +48,9 @@ bool DesktopAnimationSetting::reducesMotion() const {
 }
 
 void DesktopAnimationSetting::ask(const QString& group, const QString& key) {
-    QDBusMessage call = QDBusMessage::createMethodCall(DesktopPortal::kService, DesktopPortal::kPath,
-                                                       kSettingsInterface, QStringLiteral("Read"));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(DesktopPortal::kService, DesktopPortal::kPath,
+                                       DesktopPortal::kSettingsInterface, QStringLiteral("Read"));
     call << group << key;
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call, 2000), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, group, key] {
@@ -76,7 +68,7 @@ void DesktopAnimationSetting::settingChanged(const QDBusMessage& message) {
 }
 
 void DesktopAnimationSetting::take(const QString& group, const QString& key, const QVariant& value) {
-    const QVariant plain = unwrapped(value);
+    const QVariant plain = DesktopPortal::plainSettingValue(value);
     if (group == kGnomeGroup && key == kGnomeKey && plain.typeId() == QMetaType::Bool) {
         gnomeAnimationsEnabled_ = plain.toBool();
     } else if (group == kKdeGroup && key == kKdeKey) {

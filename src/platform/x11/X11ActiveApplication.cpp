@@ -47,16 +47,20 @@ QString withoutDesktopSuffix(QString id) {
 
 }  // namespace
 
-QString id(X11Connection& connection) {
+FrontmostApplication frontmost(X11Connection& connection) {
     const Window window = activeWindow(connection);
     if (window == None) return {};
+    FrontmostApplication application;
     for (const char* name : {"_GTK_APPLICATION_ID", "_KDE_NET_WM_DESKTOP_FILE"}) {
         const QByteArray value = property(connection, window, name);
-        if (!value.isEmpty()) return withoutDesktopSuffix(QString::fromUtf8(value));
+        if (value.isEmpty()) continue;
+        application.applicationId = withoutDesktopSuffix(QString::fromUtf8(value));
+        break;
     }
     // WM_CLASS is the instance name and then the class, each ending in a NUL.
     const QList<QByteArray> parts = property(connection, window, "WM_CLASS").split('\0');
-    return parts.size() >= 2 ? QString::fromLocal8Bit(parts[1]) : QString();
+    if (parts.size() >= 2) application.windowClass = QString::fromLocal8Bit(parts[1]);
+    return application;
 }
 
 }  // namespace mosswick::X11ActiveApplication

@@ -1,17 +1,17 @@
 #pragma once
 
-#include <QString>
+#include "triggers/DesktopProbe.h"
 
 namespace mosswick {
 
 class X11Connection;
 
-// Names the program whose window is active, the way ignored applications are stored: by its
-// desktop-file id (without ".desktop"). GTK and KDE programs say so on their windows; others are
-// known by their WM_CLASS class. Empty without a window manager or an active window.
+// Names the program whose window is active: by its desktop-file id (without ".desktop") where
+// GTK and KDE programs say so on their windows, and by its WM_CLASS class. Empty without a window
+// manager or an active window.
 namespace X11ActiveApplication {
 
-QString id(X11Connection& connection);
+FrontmostApplication frontmost(X11Connection& connection);
 
 }  // namespace X11ActiveApplication
 

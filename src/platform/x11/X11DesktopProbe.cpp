@@ -126,6 +126,8 @@ bool X11DesktopProbe::isLeftButtonDown() { return queryPointer() & Button1Mask; 
 
 bool X11DesktopProbe::isShiftDown() { return queryPointer() & ShiftMask; }
 
-QString X11DesktopProbe::frontmostApplicationId() { return X11ActiveApplication::id(connection_); }
+FrontmostApplication X11DesktopProbe::frontmostApplication() {
+    return X11ActiveApplication::frontmost(connection_);
+}
 
 }  // namespace mosswick

@@ -27,7 +27,7 @@ public:
     QStringList dragTypes() override;
     bool isLeftButtonDown() override;
     bool isShiftDown() override;
-    QString frontmostApplicationId() override;
+    FrontmostApplication frontmostApplication() override;
 
 private:
     X11DesktopProbe(X11Connection& connection, std::unique_ptr<X11DragSelection> selection, int xinputOpcode);

@@ -170,15 +170,19 @@ private:
     Window window_ = 0;
 };
 
-TEST_F(X11DesktopProbeTest, FrontmostApplicationByDesktopIdElseWindowClass) {
-    EXPECT_EQ(probe->frontmostApplicationId(), QString());  // no window manager, no active window
+TEST_F(X11DesktopProbeTest, FrontmostApplicationByDesktopIdAndWindowClass) {
+    auto names = [this] {
+        const mosswick::FrontmostApplication app = probe->frontmostApplication();
+        return (app.applicationId + QLatin1Char('|') + app.windowClass).toStdString();
+    };
+    EXPECT_EQ(names(), "|");  // no window manager, no active window
     ActiveWindow active(server.displayName());
     active.set("WM_CLASS", QByteArray("files\0Files\0", 12));
-    EXPECT_EQ(probe->frontmostApplicationId(), QStringLiteral("Files"));
+    EXPECT_EQ(names(), "|Files");
     active.set("_KDE_NET_WM_DESKTOP_FILE", "org.kde.dolphin");
-    EXPECT_EQ(probe->frontmostApplicationId(), QStringLiteral("org.kde.dolphin"));
+    EXPECT_EQ(names(), "org.kde.dolphin|Files");
     active.set("_GTK_APPLICATION_ID", "org.gnome.Nautilus.desktop");
-    EXPECT_EQ(probe->frontmostApplicationId(), QStringLiteral("org.gnome.Nautilus"));
+    EXPECT_EQ(names(), "org.gnome.Nautilus|Files");
 }
 
 // The monitor on the real probe and the application's timers: a drag is reported as soon as its

@@ -1,0 +1,167 @@
+#include "platform/freedesktop/DesktopEntries.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QMutex>
+#include <QSet>
+#include <QStandardPaths>
+
+namespace mosswick {
+
+struct DesktopEntries::Reading {
+    mutable QMutex mutex;
+    std::vector<WindowClassEntry> entries;
+    QStringList watchedFolders;
+    bool done = false;
+};
+
+namespace {
+
+struct EntryKeys {
+    QString type;
+    QString windowClass;
+    bool hidden = false;
+};
+
+// Only the [Desktop Entry] group counts, and only its unlocalised keys.
+EntryKeys keysOf(const QString& path) {
+    EntryKeys keys;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return keys;
+    bool inMainGroup = false;
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine().trimmed();
+        if (line.isEmpty() || line.startsWith('#')) continue;
+        if (line.startsWith('[')) {
+            if (inMainGroup) break;
+            inMainGroup = line == "[Desktop Entry]";
+            continue;
+        }
+        if (!inMainGroup) continue;
+        const qsizetype equals = line.indexOf('=');
+        if (equals < 0) continue;
+        const QByteArray key = line.left(equals).trimmed();
+        const QString value = QString::fromUtf8(line.mid(equals + 1).trimmed());
+        if (key == "Type")
+            keys.type = value;
+        else if (key == "StartupWMClass")
+            keys.windowClass = value;
+        else if (key == "Hidden")
+            keys.hidden = value == QLatin1String("true");
+    }
+    return keys;
+}
+
+// The desktop-file id: the path below the applications folder, "/" made "-", without ".desktop".
+QString desktopIdOf(const QDir& folder, const QString& path) {
+    QString id = folder.relativeFilePath(path);
+    id.chop(8);
+    id.replace(QLatin1Char('/'), QLatin1Char('-'));
+    return id;
+}
+
+// The folders and their subfolders, for the watcher.
+QStringList foldersBelow(const QStringList& folders) {
+    QStringList found;
+    for (const QString& folder : folders) {
+        if (!QFileInfo(folder).isDir()) continue;
+        found << folder;
+        QDirIterator below(folder, QDir::Dirs | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+        while (below.hasNext()) found << below.next();
+    }
+    return found;
+}
+
+}  // namespace
+
+DesktopEntries::DesktopEntries(QStringList folders)
+    : folders_(std::move(folders)), reading_(std::make_shared<Reading>()) {
+    pool_.setMaxThreadCount(1);
+    connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, &DesktopEntries::reread);
+}
+
+DesktopEntries::~DesktopEntries() { pool_.waitForDone(); }
+
+QStringList DesktopEntries::defaultFolders() {
+    QStringList folders;
+    for (const QString& data : QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation))
+        folders << QDir(data).filePath(QStringLiteral("applications"));
+    return folders;
+}
+
+std::vector<WindowClassEntry> DesktopEntries::read(const QStringList& folders) {
+    std::vector<WindowClassEntry> entries;
+    QSet<QString> seen;
+    for (const QString& path : folders) {
+        const QDir folder(path);
+        QDirIterator files(path, {QStringLiteral("*.desktop")}, QDir::Files,
+                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            const QString id = desktopIdOf(folder, file);
+            if (seen.contains(id)) continue;
+            seen.insert(id);
+            const EntryKeys keys = keysOf(file);
+            if (keys.hidden || keys.type != QLatin1String("Application") || keys.windowClass.isEmpty())
+                continue;
+            entries.push_back({id, keys.windowClass});
+        }
+    }
+    return entries;
+}
+
+std::vector<WindowClassEntry> DesktopEntries::windowClassEntries() {
+    const bool firstTime = !startedAt_.isValid();
+    // Folders created after the last reading have no watch on them yet.
+    if (firstTime ||
+        (!inProgress_ && startedAt_.secsTo(QDateTime::currentDateTimeUtc()) >= kRereadAfterSeconds))
+        reread();
+    // So the first drag from a program known only by its window class is not missed.
+    if (firstTime) pool_.waitForDone(kFirstReadingWaitMs);
+    const QMutexLocker lock(&reading_->mutex);
+    return reading_->entries;
+}
+
+bool DesktopEntries::hasRead() const {
+    const QMutexLocker lock(&reading_->mutex);
+    return reading_->done;
+}
+
+void DesktopEntries::reread() {
+    if (inProgress_) {
+        readAgain_ = true;
+        return;
+    }
+    inProgress_ = true;
+    startedAt_ = QDateTime::currentDateTimeUtc();
+    pool_.start([this, reading = reading_, folders = folders_] {
+        std::vector<WindowClassEntry> entries = read(folders);
+        const QStringList watched = foldersBelow(folders);
+        {
+            const QMutexLocker lock(&reading->mutex);
+            reading->entries = std::move(entries);
+            reading->watchedFolders = watched;
+        }
+        // The destructor waits for this task, so the object is still there to be posted to.
+        QMetaObject::invokeMethod(this, &DesktopEntries::finished, Qt::QueuedConnection);
+    });
+}
+
+void DesktopEntries::finished() {
+    inProgress_ = false;
+    QStringList watched;
+    {
+        const QMutexLocker lock(&reading_->mutex);
+        watched = reading_->watchedFolders;
+        reading_->done = true;
+    }
+    if (!watcher_.directories().isEmpty()) watcher_.removePaths(watcher_.directories());
+    if (!watched.isEmpty()) watcher_.addPaths(watched);
+    if (readAgain_) {
+        readAgain_ = false;
+        reread();
+    }
+}
+
+}  // namespace mosswick
