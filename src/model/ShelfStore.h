@@ -46,7 +46,6 @@ public:
     void setTargeted(bool targeted);
     const std::deque<Batch>& removalHistory() const { return removalHistory_; }
     // Mirrors kRemovalHistoryLimit; the trim in remove() uses the constant.
-    int removalHistoryLimit() const { return removalHistoryLimit_; }
 
     void setThumbnailCache(ThumbnailCache* cache) { thumbnails_ = cache; }
 

@@ -1,6 +1,4 @@
 // Links, images and texts kept as files: their bytes, names and item fields.
-#include <QImage>
-#include <QStringDecoder>
 
 #include "model/ItemStaging.h"
 #include "model/LocalPath.h"
@@ -42,8 +40,6 @@ TEST_F(ContentItemsTest, ALinkBecomesADesktopEntryNamedByItsTitle) {
     EXPECT_EQ(item.webURL, QUrl(QStringLiteral("https://example.com/a b?q=\"x\"")));
     EXPECT_EQ(item.contentTypeIdentifier, QStringLiteral("application/x-desktop"));
     EXPECT_EQ(item.byteSize, static_cast<qint64>(std::filesystem::file_size(itemFile(item))));
-    EXPECT_FALSE(item.originURL);
-    EXPECT_FALSE(item.isPromised);
     EXPECT_EQ(item.addedAt, Timestamp::fromDateTime(now));
 }
 
@@ -58,22 +54,6 @@ TEST_F(ContentItemsTest, ALinkWithoutATitleIsNamedByItsHostElseLink) {
     EXPECT_EQ(item.displayName, QStringLiteral("Link"));
     expectInItsFolder(item, QStringLiteral("Link.desktop"));
     EXPECT_NE(readFile(itemFile(item)).find("URL=mailto:someone@example.org\n"), std::string::npos);
-}
-
-TEST_F(ContentItemsTest, AnImageBecomesAPngNamedByTheMoment) {
-    QImage picture(3, 2, QImage::Format_ARGB32);
-    picture.fill(QColor(10, 200, 30, 128));
-    FakePasteboard pasteboard;
-    pasteboard.withImage(picture.convertToFormat(QImage::Format_RGB32));
-
-    const ShelfItem item = only(pasteboard);
-    expectInItsFolder(item, QStringLiteral("Image 2024-05-01 at 13.07.09.png"));
-    EXPECT_EQ(item.displayName, QStringLiteral("Image 2024-05-01 at 13.07.09.png"));
-    EXPECT_EQ(item.contentTypeIdentifier, QStringLiteral("image/png"));
-    const std::string bytes = readFile(itemFile(item));
-    EXPECT_EQ(item.byteSize, static_cast<qint64>(bytes.size()));
-    const QImage written = QImage::fromData(QByteArray::fromStdString(bytes), "PNG");
-    EXPECT_EQ(written.convertToFormat(QImage::Format_RGB32), picture.convertToFormat(QImage::Format_RGB32));
 }
 
 TEST_F(ContentItemsTest, APdfWithoutAnImageIsKeptAsItCameNamedByTheMoment) {
@@ -100,18 +80,15 @@ TEST_F(ContentItemsTest, ATextIsKeptWholeAndUntrimmedAsUtf8) {
     EXPECT_EQ(item.contentTypeIdentifier, QStringLiteral("text/plain"));
 }
 
-TEST_F(ContentItemsTest, BlankTextGivesNothing) {
-    FakePasteboard pasteboard;
-    pasteboard.withText(QStringLiteral("  \n\t\r\n \u2029 "));
-    EXPECT_TRUE(drop(pasteboard).empty());
-    EXPECT_TRUE(store.items().empty());
-}
-
-TEST_F(ContentItemsTest, TextThatIsNotUnicodeIsRefusedAndSaidSo) {
-    FakePasteboard pasteboard;
-    pasteboard.withText(QStringLiteral("half a pair: ") + QChar(0xD800));
-    EXPECT_TRUE(drop(pasteboard).empty());
+TEST_F(ContentItemsTest, BlankTextGivesNothingAndTextThatIsNotUnicodeIsRefusedAndSaidSo) {
+    FakePasteboard blank, broken;
+    blank.withText(QStringLiteral("  \n\t\r\n \u2029 "));
+    broken.withText(QStringLiteral("half a pair: ") + QChar(0xD800));
+    EXPECT_TRUE(drop(blank).empty());
+    EXPECT_TRUE(log.warnings().isEmpty());
+    EXPECT_TRUE(drop(broken).empty());
     EXPECT_EQ(log.warnings().size(), 1);
+    EXPECT_TRUE(store.items().empty());
 }
 
 TEST_F(ContentItemsTest, AHundredMegabyteTextIsKeptWhole) {
@@ -121,8 +98,6 @@ TEST_F(ContentItemsTest, AHundredMegabyteTextIsKeptWhole) {
     pasteboard.withText(text);
 
     const ShelfItem item = only(pasteboard);
-    EXPECT_EQ(item.displayName,
-              QStringLiteral("Big- ") + QString(35, QLatin1Char('a')) + QStringLiteral(".txt"));
     EXPECT_EQ(std::filesystem::file_size(itemFile(item)), 100u * 1024 * 1024);
     EXPECT_EQ(item.byteSize, 100 * 1024 * 1024);
 }

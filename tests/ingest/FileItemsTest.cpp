@@ -55,22 +55,6 @@ TEST_F(FileItemsTest, AFileIsReferencedAtOnceAndItsCopyCompletesTheItemLater) {
     EXPECT_TRUE(log.warnings().isEmpty());
 }
 
-TEST_F(FileItemsTest, AFolderIsCopiedWithItsContentsAndSizedDeep) {
-    writeFile(folder / "Album" / "one.jpg", std::string(1000, 'x'));
-    writeFile(folder / "Album" / "more" / "two.jpg", std::string(234, 'y'));
-
-    const ShelfItem item = dropOne(folder / "Album");
-    EXPECT_EQ(item.contentTypeIdentifier, QStringLiteral("inode/directory"));
-    EXPECT_EQ(item.byteSize, 0) << "a folder's own size, until it is counted in the background";
-    EXPECT_TRUE(item.originURL->toString().endsWith(QLatin1Char('/')));
-
-    finishBackgroundWork();
-    const ShelfItem* staged = onShelf(item.id);
-    ASSERT_TRUE(staged && staged->stagedURL);
-    EXPECT_EQ(staged->byteSize, 1234);
-    EXPECT_TRUE(fs::exists(ItemStaging::itemFolder(item.id) / "Album" / "more" / "two.jpg"));
-}
-
 TEST_F(FileItemsTest, SymbolicLinksAreFollowedOnlyWhenAskedAndOnlyToSomethingThere) {
     writeFile(folder / "target.txt", "the target");
     fs::create_symlink(folder / "target.txt", folder / "shortcut");

@@ -82,19 +82,6 @@ TEST_F(PromisedItemsTest, NamelessPromisesAreCalledIncomingWithTheTypesExtension
     EXPECT_EQ(unknown.contentTypeIdentifier, QStringLiteral("application/octet-stream"));
 }
 
-TEST_F(PromisedItemsTest, HostileProposedNamesStayInsideTheItemsFolder) {
-    for (const QByteArray& name : {QByteArray("../../../escaped"), QByteArray("/tmp/x"), QByteArray(".."),
-                                   QByteArray("a\0b", 3), QByteArray()}) {
-        auto offered = promise({}, {name});
-        const ShelfItem placeholder = dropPromise(offered);
-        ASSERT_TRUE(offered->destination()) << name.toStdString();
-        const fs::path wanted = offered->destination()->folder / offered->destination()->fileName;
-        EXPECT_EQ(wanted.parent_path(), ItemStaging::itemFolder(placeholder.id)) << name.toStdString();
-        EXPECT_NE(offered->destination()->fileName.filename(), "..");
-        EXPECT_FALSE(placeholder.displayName.isEmpty());
-    }
-}
-
 TEST_F(PromisedItemsTest, WithNowhereToReceiveTheFileThePlaceholderStaysAndItIsLogged) {
     auto offered = promise({}, {"kept waiting.txt"});
     ShelfItem placeholder;

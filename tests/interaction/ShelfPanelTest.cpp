@@ -68,15 +68,10 @@ protected:
     std::unique_ptr<ShelfPanel> panel;
 };
 
-TEST_F(ShelfPanelTest, IsAFloatingToolWindowThatDoesNotTakeTheFocusWhenShown) {
-    const Qt::WindowFlags flags = panel->windowFlags();
-    EXPECT_EQ(flags & Qt::WindowType_Mask, Qt::Tool);
-    EXPECT_TRUE(flags.testFlag(Qt::FramelessWindowHint));
-    EXPECT_TRUE(flags.testFlag(Qt::WindowStaysOnTopHint));
-    EXPECT_TRUE(panel->testAttribute(Qt::WA_ShowWithoutActivating));
-    EXPECT_TRUE(panel->testAttribute(Qt::WA_TranslucentBackground));
+// How the window stands among others (above them, out of the task bar, the focus left where it
+// was, Escape) is shown by the desktop tests under a real window manager.
+TEST_F(ShelfPanelTest, IsMappedAtItsFrameWithTheShelfFillingIt) {
     EXPECT_FALSE(panel->acceptsFocus());
-
     panel->mapAt(QRect(1200, 300, 196, 320));
     EXPECT_TRUE(panel->isVisible());
     EXPECT_EQ(panel->frame(), QRect(1200, 300, 196, 320));
@@ -114,13 +109,6 @@ TEST_F(ShelfPanelTest, AClickLetsTheFocusInUntilThePanelGoesAway) {
     EXPECT_FALSE(panel->isVisible());
     EXPECT_FALSE(panel->acceptsFocus());
     EXPECT_TRUE(panel->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
-}
-
-TEST_F(ShelfPanelTest, EscapeIsReported) {
-    panel->mapAt(QRect(0, 0, 196, 320));
-    QSignalSpy escape(panel.get(), &ShelfPanel::escapePressed);
-    QTest::keyClick(panel->windowHandle(), Qt::Key_Escape);
-    EXPECT_EQ(escape.count(), 1);
 }
 
 TEST_F(ShelfPanelTest, TakesTheAppearanceItIsGiven) {

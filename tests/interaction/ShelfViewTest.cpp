@@ -49,28 +49,19 @@ protected:
     }
 };
 
-TEST_F(ShelfViewTest, AnEmptyShelfShowsTheHintAndNoCount) {
-    auto view = makeView();
-    EXPECT_TRUE(view->emptyState().isVisible());
-    EXPECT_FALSE(view->tileList().isVisible());
-    EXPECT_EQ(count(*view), "");
-    EXPECT_FALSE(view->toolbar().clearButton().isVisible());
-    EXPECT_FALSE(view->toolbar().bringBackButton().isVisible());
-}
-
 TEST_F(ShelfViewTest, ClearingTheShelfCanBeBroughtBackToTheTop) {
     store->add({item("b.pdf"), item("a.pdf")});
     auto view = makeView();
     EXPECT_EQ(count(*view), "2 items");
     ASSERT_TRUE(view->toolbar().clearButton().isVisible());
-    EXPECT_EQ(view->toolbar().clearButton().toolTip(), "Clear the shelf");
 
     click(*view, centreOf(*view, view->toolbar().clearButton()));
     EXPECT_TRUE(store->items().empty());
     EXPECT_TRUE(view->emptyState().isVisible());
+    EXPECT_FALSE(view->tileList().isVisible());
+    EXPECT_EQ(count(*view), "");
     EXPECT_FALSE(view->toolbar().clearButton().isVisible());
     ASSERT_TRUE(view->toolbar().bringBackButton().isVisible()) << "the removal was recorded";
-    EXPECT_EQ(view->toolbar().bringBackButton().toolTip(), "Bring back the files removed last");
 
     store->add({item("c.pdf")});
     click(*view, centreOf(*view, view->toolbar().bringBackButton()));
@@ -88,7 +79,6 @@ TEST_F(ShelfViewTest, AStackAndASingleItemMakeTwoTilesNewestFirst) {
     EXPECT_EQ(tiles[0]->description().title, "newest.pdf");
     EXPECT_EQ(tiles[1]->description().title, "3 items");
     EXPECT_LT(tiles[0]->y(), tiles[1]->y());
-    EXPECT_EQ(count(*view), "4 items");
 }
 
 TEST_F(ShelfViewTest, AClickOnATileSelectsItAndOneOnTheBackgroundClearsTheSelection) {
@@ -155,69 +145,42 @@ TEST_F(ShelfViewTest, AnItemWhoseOriginalIsGoneCarriesTheBadge) {
     const auto tiles = view->tileList().tileViews();
     ASSERT_EQ(tiles.size(), 2u);
     EXPECT_TRUE(tiles[0]->description().isOriginMissing);
-    EXPECT_TRUE(tiles[0]->toolTip().contains(
-        QString::fromUtf8("Original file is missing — Mosswick's copy will be used")));
+    EXPECT_EQ(tiles[0]->toolTip(), tiles[0]->description().toolTip);
     EXPECT_FALSE(tiles[1]->description().isOriginMissing);
 }
 
-TEST_F(ShelfViewTest, WithReducedMotionEveryChangeIsImmediate) {
-    desktopMotion.reduces = true;
+class ShelfViewMotion : public ShelfViewTest, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(ShelfViewMotion, AnimatesEveryChangeUnlessMotionIsReduced) {
+    desktopMotion.reduces = GetParam();
+    const bool animates = !GetParam();
     auto view = makeView();
     store->add({item("a.pdf")});
-    store->add({item("b.pdf")});
-    EXPECT_FALSE(view->tileList().isAnimating());
-    EXPECT_FALSE(view->toolbar().countLabel().isRolling());
-    ShelfItemView* tile = view->tileList().tileViews().at(0);
-    EXPECT_EQ(tile->presence(), 1);
-
-    store->setTargeted(true);
-    EXPECT_FALSE(view->dropHighlight().isFading());
-    EXPECT_EQ(view->dropHighlight().level(), 1);
-
-    tile->setHovered(true);
-    EXPECT_FALSE(tile->isCloseButtonFading());
-    EXPECT_EQ(tile->closeButtonOpacity(), 1);
-
-    store->removeAll();
-    EXPECT_TRUE(view->tileList().tileViews().empty());
-    EXPECT_EQ(drawnTiles(*view), 0) << "removed tiles are gone at once";
-}
-
-TEST_F(ShelfViewTest, WithoutReducedMotionChangesAnimate) {
-    desktopMotion.reduces = false;
-    auto view = makeView();
-    store->add({item("a.pdf")});
-    EXPECT_TRUE(view->tileList().isAnimating());
+    EXPECT_EQ(view->tileList().isAnimating(), animates);
     ShelfItemView* first = view->tileList().tileViews().at(0);
-    EXPECT_LT(first->presence(), 1) << "a new tile grows in";
+    EXPECT_EQ(first->presence() < 1, animates) << "a new tile grows in";
 
     store->add({item("b.pdf")});
-    EXPECT_TRUE(view->toolbar().countLabel().isRolling());
+    EXPECT_EQ(view->toolbar().countLabel().isRolling(), animates);
 
     store->setTargeted(true);
-    EXPECT_TRUE(view->dropHighlight().isFading());
+    EXPECT_EQ(view->dropHighlight().isFading(), animates);
     EXPECT_TRUE(view->dropHighlight().isLit());
 
     first->setHovered(true);
-    EXPECT_TRUE(first->isCloseButtonFading());
+    EXPECT_EQ(first->isCloseButtonFading(), animates);
 
     // A removed tile leaves the list at once but stays drawn until its fade ends.
     store->remove({store->items().back().id}, true);
     EXPECT_EQ(view->tileList().tileViews().size(), 1u);
-    EXPECT_EQ(drawnTiles(*view), 2);
+    EXPECT_EQ(drawnTiles(*view), animates ? 2 : 1);
     view->tileList().settle();
     EXPECT_EQ(drawnTiles(*view), 1);
     EXPECT_EQ(view->tileList().tileViews().at(0)->presence(), 1);
 }
 
-TEST_F(ShelfViewTest, TheReducedMotionPreferenceAloneIsEnough) {
-    desktopMotion.reduces = false;
-    preferences.setReduceMotion(true);
-    if (!preferences.reduceMotion()) GTEST_SKIP() << "the preferences do not store reduceMotion yet";
-    auto view = makeView();
-    store->add({item("a.pdf")});
-    EXPECT_FALSE(view->tileList().isAnimating());
-}
+INSTANTIATE_TEST_SUITE_P(Motion, ShelfViewMotion, ::testing::Values(false, true),
+                         [](const auto& row) { return row.param ? "Reduced" : "Full"; });
 
 }  // namespace
 }  // namespace mosswick

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <QMutex>
 #include <QStringList>
 #include <QUuid>
 #include <cstdlib>
@@ -13,56 +12,23 @@
 
 #include "model/AppFiles.h"
 #include "model/FileDescriptor.h"
-#include "model/FileRemover.h"
 #include "model/ItemStaging.h"
 #include "model/WholeFile.h"
-#include "support/TestFolders.h"
+#include "ModelTestHelpers.h"
 
 namespace mosswick {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::readFile;
+using testing::Scratch;
 using testing::writeFile;
-
-// A test's own folder, removed with everything in it when the test ends (Qt's clean-up of the
-// sandbox cannot remove names that are not UTF-8).
-class Scratch {
-public:
-    explicit Scratch(const std::string& name) : path_(testing::freshFolder(name)) {}
-    ~Scratch() { FileRemover::removeAll(path_); }
-    operator const fs::path&() const { return path_; }
-    fs::path operator/(const fs::path& name) const { return path_ / name; }
-    const char* c_str() const { return path_.c_str(); }
-
-private:
-    fs::path path_;
-};
 
 const QUuid kItem = QUuid::fromString(QStringLiteral("{6f1c2a3b-4d5e-4f60-8a9b-0c1d2e3f4a5b}"));
 const char* const kItemFolderName = "6F1C2A3B-4D5E-4F60-8A9B-0C1D2E3F4A5B";
 
-// Collects what the staging category logs while it lives.
-class StagingLog {
-public:
-    StagingLog() { previous_ = qInstallMessageHandler(&StagingLog::handle); }
-    ~StagingLog() {
-        qInstallMessageHandler(previous_);
-        messages().clear();
-    }
-    QStringList warnings() const { return messages(); }
-
-private:
-    static QStringList& messages() {
-        static QStringList list;
-        return list;
-    }
-    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-        if ((type == QtWarningMsg || type == QtCriticalMsg) &&
-            qstrcmp(context.category, "mosswick.staging") == 0)
-            messages().append(message);
-    }
-    QtMessageHandler previous_ = nullptr;
+struct StagingLog : testing::CategoryWarnings {
+    StagingLog() : CategoryWarnings("mosswick.staging") {}
 };
 
 fs::path staged(const ItemStaging::Result<fs::path>& result) {
@@ -101,15 +67,10 @@ protected:
 
 // ---- Where things live ------------------------------------------------------------------------
 
-TEST_F(ItemStagingTest, KeepsItsFilesInPrivateFoldersUnderTheDataHome) {
-    const fs::path dataHome = std::getenv("XDG_DATA_HOME");
-    EXPECT_EQ(AppFiles::root(), dataHome / "Mosswick");
-    EXPECT_EQ(AppFiles::saveFile(), dataHome / "Mosswick" / "shelf.json");
-    EXPECT_EQ(ItemStaging::directory(), dataHome / "Mosswick" / "Staged");
-
+TEST_F(ItemStagingTest, TheStagingFolderIsMadeAgainPrivateOnAccess) {
     fs::remove_all(AppFiles::root() / "Staged");
-    EXPECT_EQ(AppFiles::stagingDirectory(), dataHome / "Mosswick" / "Staged");
-    EXPECT_TRUE(fs::is_directory(AppFiles::root() / "Staged")) << "not made again on access";
+    EXPECT_EQ(AppFiles::stagingDirectory(), fs::path(std::getenv("XDG_DATA_HOME")) / "Mosswick" / "Staged");
+    EXPECT_TRUE(fs::is_directory(AppFiles::root() / "Staged"));
     EXPECT_EQ(modeOf(AppFiles::root() / "Staged"), 0700u);
 }
 

@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 
 #include "DefaultsValueAssertions.h"
-#include "support/TestFolders.h"
+#include "ModelTestHelpers.h"
 
 namespace mosswick {
 namespace {
@@ -17,15 +17,8 @@ namespace {
 using testing::sameValue;
 namespace fs = std::filesystem;
 
-// Counts the settings category's warnings while it lives.
-struct SettingsWarnings {
-    SettingsWarnings() : previous(qInstallMessageHandler(&record)) { count = 0; }
-    ~SettingsWarnings() { qInstallMessageHandler(previous); }
-    static void record(QtMsgType type, const QMessageLogContext& context, const QString&) {
-        if (type >= QtWarningMsg && qstrcmp(context.category, "mosswick.settings") == 0) ++count;
-    }
-    static inline int count = 0;
-    QtMessageHandler previous;
+struct SettingsWarnings : testing::CategoryWarnings {
+    SettingsWarnings() : CategoryWarnings("mosswick.settings") {}
 };
 
 class JsonDefaultsStoreTest : public ::testing::Test {
@@ -102,11 +95,11 @@ TEST_F(JsonDefaultsStoreTest, CorruptFileReadsAsEmptyAndIsKeptAsideBeforeTheFirs
     for (size_t i = 0; i < std::size(contents); ++i) {
         SCOPED_TRACE(contents[i]);
         testing::writeFile(file, contents[i]);
-        SettingsWarnings warnings;
+        SettingsWarnings log;
 
         JsonDefaultsStore store(file);
         EXPECT_FALSE(store.value("position"));
-        EXPECT_GT(warnings.count, 0);
+        EXPECT_FALSE(log.warnings().isEmpty());
         EXPECT_EQ(testing::readFile(file), contents[i]) << "reading alone changes nothing";
 
         store.setValue("size", QStringLiteral("standard"));
@@ -146,11 +139,11 @@ TEST_F(JsonDefaultsStoreTest, WritesLeaveNoTemporaryFilesBehind) {
 
 TEST_F(JsonDefaultsStoreTest, FailedWriteIsLoggedAndTheValueStaysForTheSession) {
     testing::writeFile(folder, "a file where the folder should be");
-    SettingsWarnings warnings;
+    SettingsWarnings log;
 
     JsonDefaultsStore store(file);
     store.setValue("size", QStringLiteral("standard"));
-    EXPECT_GT(warnings.count, 0);
+    EXPECT_FALSE(log.warnings().isEmpty());
     EXPECT_TRUE(sameValue(store.value("size"), QStringLiteral("standard")));
 }
 

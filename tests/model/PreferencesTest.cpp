@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QJsonObject>
 #include <functional>
 
 #include "DefaultsValueAssertions.h"
@@ -62,25 +61,15 @@ std::string trace(Preference p, const DefaultsValue& v) {
     return preferenceKey(p).toStdString() + " " + testing::describe(v);
 }
 
-TEST(PreferencesTest, AFreshUserGetsEveryDefaultAndNothingIsWritten) {
-    const QByteArray defaults = R"({"position": "rightBottom", "size": "adaptiveSmallest",
-        "appearance": "system", "showTrigger": "dragStarts", "alternateDragData": "none",
-        "showMenuBarIcon": true, "checkForUpdatesAutomatically": true, "automaticallyShow": true,
-        "removeItemsWhenDraggedOut": true, "combineMultipleFilesToStack": true, "showQuickLookPreviews": true,
-        "showFaviconsForWeblocFiles": false, "resolveAliasFiles": false, "reduceMotion": false,
-        "restoreItemsOnLaunch": true, "hideWhenEmpty": true, "maximumItemCount": 100,
-        "ignoredApplications": []})";
-    const QJsonObject expected = JsonDefaultsStore::parse(defaults);
+TEST(PreferencesTest, AFreshUserHasEveryKeyReadOnceAndNothingWritten) {
     RecordingStore store;
     const Preferences preferences(store);
-
-    for (int i = 0; i <= static_cast<int>(Preference::maximumItemCount); ++i) {
-        const auto preference = static_cast<Preference>(i);
-        const auto value = JsonDefaultsStore::decode(expected[preferenceKey(preference)]);
-        ASSERT_TRUE(value) << preferenceKey(preference).toStdString();
-        EXPECT_TRUE(sameValue(current(preferences, preference), *value)) << trace(preference, *value);
-    }
-    EXPECT_EQ(store.reads.size(), expected.size()) << "each key read once, at construction";
+    QStringList keys;
+    for (int i = 0; i <= static_cast<int>(Preference::maximumItemCount); ++i)
+        keys.append(preferenceKey(static_cast<Preference>(i)));
+    keys.sort();
+    store.reads.sort();
+    EXPECT_EQ(store.reads, keys);
     EXPECT_TRUE(store.writes.isEmpty());
 }
 
@@ -124,26 +113,12 @@ TEST(PreferencesTest, StoredValuesReadAsTheirSettingOrFallBackToTheDefault) {
     }
 }
 
-TEST(PreferencesTest, EveryAssignmentNotifiesAndWritesItsKeyAtOnce) {
+TEST(PreferencesTest, AnAssignmentOfEachKindNotifiesAndWritesItsKeyAtOnce) {
     using P = Preference;
     using Assign = std::function<void(Preferences&)>;
     // clang-format off
     const std::tuple<Preference, Assign, DefaultsValue> rows[] = {
         {P::position, [](auto& p) { p.setPosition(ShelfPosition::leftTop); }, s("leftTop")},
-        {P::size, [](auto& p) { p.setSize(ShelfSize::standard); }, s("standard")},
-        {P::appearance, [](auto& p) { p.setAppearance(AppearanceMode::dark); }, s("dark")},
-        {P::showTrigger, [](auto& p) { p.setShowTrigger(ShowTrigger::dragToScreenEdge); }, s("dragToScreenEdge")},
-        {P::alternateDragData, [](auto& p) { p.setAlternateDragData(AlternateDragData::filePath); }, s("filePath")},
-        {P::showMenuBarIcon, [](auto& p) { p.setShowMenuBarIcon(false); }, false},
-        {P::checkForUpdatesAutomatically, [](auto& p) { p.setCheckForUpdatesAutomatically(false); }, false},
-        {P::automaticallyShow, [](auto& p) { p.setAutomaticallyShow(false); }, false},
-        {P::removeItemsWhenDraggedOut, [](auto& p) { p.setRemoveItemsWhenDraggedOut(false); }, false},
-        {P::combineMultipleFilesToStack, [](auto& p) { p.setCombineMultipleFilesToStack(false); }, false},
-        {P::showQuickLookPreviews, [](auto& p) { p.setShowQuickLookPreviews(false); }, false},
-        {P::showFaviconsForWeblocFiles, [](auto& p) { p.setShowFaviconsForWeblocFiles(true); }, true},
-        {P::resolveAliasFiles, [](auto& p) { p.setResolveAliasFiles(true); }, true},
-        {P::reduceMotion, [](auto& p) { p.setReduceMotion(true); }, true},
-        {P::restoreItemsOnLaunch, [](auto& p) { p.setRestoreItemsOnLaunch(false); }, false},
         {P::hideWhenEmpty, [](auto& p) { p.setHideWhenEmpty(false); }, false},
         {P::maximumItemCount, [](auto& p) { p.setMaximumItemCount(1000); }, qint64(1000)},  // not clamped
         {P::ignoredApplications, [](auto& p) { p.setIgnoredApplications({"firefox"}); }, QStringList{"firefox"}},
