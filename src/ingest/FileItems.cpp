@@ -88,10 +88,19 @@ void stage(Staging file, const std::shared_ptr<Handover>& handover, Scheduler& s
         },
         [outcome, item = std::move(file.item), source, handover]() mutable {
             if (!outcome->copy) {
+                ItemStaging::discard(item.id);
+                struct stat info {};
+                if (::stat(source.c_str(), &info) != 0) {
+                    // No copy and no original: a tile that could never be dragged or opened.
+                    qCWarning(lcIngest).noquote()
+                        << logName(source) << "was gone before a copy could be made ("
+                        << outcome->error.c_str() << "); it leaves the shelf";
+                    handover->store.remove({item.id}, false);
+                    return;
+                }
                 qCWarning(lcIngest).noquote()
                     << "Could not keep a copy of" << logName(source) << "(" << outcome->error.c_str()
                     << "); the item refers to the original only";
-                ItemStaging::discard(item.id);
                 return;
             }
             item.stagedURL = LocalPath::toUrl(*outcome->copy, outcome->isDirectory);

@@ -78,9 +78,13 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
     for (const QString& type : plainTypes) {
         const QByteArray bytes = read(type);
         // The older X text types are Latin-1; the rest UTF-8.
-        const QString text = type == QLatin1String("STRING") || type == QLatin1String("TEXT")
-                                 ? QString::fromLatin1(bytes)
-                                 : QString::fromUtf8(bytes);
+        QString text = type == QLatin1String("STRING") || type == QLatin1String("TEXT")
+                           ? QString::fromLatin1(bytes)
+                           : QString::fromUtf8(bytes);
+        // GTK hands text/plain out in MIME's canonical form, with CR LF line ends; the user's text
+        // had the line ends of this system (Qt's own copy of the same text has LF).
+        if (type.startsWith(QLatin1String("text/plain")))
+            text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         if (!text.isEmpty()) return text;
     }
     // Formatted text alone still gives its words.

@@ -107,6 +107,11 @@ TEST(QMimeDataPasteboard, ReadsTextOnlyWhereTextIsOffered) {
     utf8.setData(QStringLiteral("text/plain;charset=UTF-8"), "Grüße");
     EXPECT_EQ(QMimeDataPasteboard(utf8).string(Pasteboard::Text::plain), QStringLiteral("Grüße"));
 
+    QMimeData canonical;
+    canonical.setData(QStringLiteral("text/plain"), "one\r\ntwo\r\n");
+    EXPECT_EQ(QMimeDataPasteboard(canonical).string(Pasteboard::Text::plain), QStringLiteral("one\ntwo\n"))
+        << "MIME's canonical line ends are the system's own again";
+
     QMimeData x11String;
     x11String.setData(QStringLiteral("UTF8_STRING"), "from an old program");
     EXPECT_EQ(QMimeDataPasteboard(x11String).string(Pasteboard::Text::plain),
