@@ -61,17 +61,31 @@ void ShelfStore::restore() {
             recoverFromDamagedSaveFile();
             return;
         }
+        // A shelf saved by an older version or edited by hand may hold far more than the limit:
+        // the rest waits in the removal history, copies kept, instead of freezing the first drop.
+        const qint64 limit = preferences_.maximumItemCount();
+        Batch overflow;
         for (ShelfItem& item : saved.items) {
             if (!ItemStaging::holdsItsOwnCopy(item)) {
                 qCWarning(lcStore) << "Dropped a saved record whose copy lies outside its own folder:"
                                    << item.id.toString(QUuid::WithoutBraces);
                 continue;
             }
-            if (item.dragURL()) items_.push_back(std::move(item));
+            if (limit >= 1 && static_cast<qint64>(items_.size()) >= limit)
+                overflow.push_back(std::move(item));
+            else if (item.dragURL())
+                items_.push_back(std::move(item));
+        }
+        if (!overflow.empty()) {
+            qCWarning(lcStore) << "The saved shelf held" << overflow.size()
+                               << "items past the limit; they can be brought back";
+            removalHistory_.push_front(std::move(overflow));
         }
     }
     std::set<QUuid> keeping;
     for (const ShelfItem& item : items_) keeping.insert(item.id);
+    for (const Batch& batch : removalHistory_)
+        for (const ShelfItem& item : batch) keeping.insert(item.id);
     ItemStaging::pruneOrphans(keeping);
 }
 

@@ -162,3 +162,26 @@ TEST_F(SaveFileRecoveryTest, ABurstOfChangesIsSavedWithinASecond) {
 
 }  // namespace
 }  // namespace mosswick
+
+namespace mosswick {
+namespace {
+
+TEST_F(SaveFileRecoveryTest, ASavedShelfPastTheLimitKeepsTheRestInTheRemovalHistory) {
+    preferences.setMaximumItemCount(3);
+    QJsonArray array;
+    std::vector<ShelfItem> saved;
+    for (int i = 0; i < 5; ++i) {
+        saved.push_back(staged("item" + std::to_string(i)));
+        array.append(saved.back().toJson());
+    }
+    testing::writeFile(AppFiles::saveFile(), QJsonDocument(array).toJson().toStdString());
+
+    auto store = makeStore();
+    EXPECT_EQ(names(store->items()), (std::vector<std::string>{"item0", "item1", "item2"}));
+    ASSERT_EQ(store->removalHistory().size(), 1u);
+    EXPECT_EQ(names(store->removalHistory().front()), (std::vector<std::string>{"item3", "item4"}));
+    EXPECT_TRUE(std::filesystem::exists(ItemStaging::itemFolder(saved[4].id) / "item4")) << "copies kept";
+}
+
+}  // namespace
+}  // namespace mosswick
