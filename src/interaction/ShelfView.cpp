@@ -1,10 +1,13 @@
 #include "interaction/ShelfView.h"
 
+#include <QLabel>
 #include <QMouseEvent>
 
 #include "interaction/DropHighlight.h"
 #include "interaction/EmptyStateView.h"
+#include "interaction/ShelfFonts.h"
 #include "interaction/ShelfLayout.h"
+#include "interaction/ShelfNotice.h"
 #include "interaction/ShelfToolbar.h"
 #include "interaction/ShelfToolbarState.h"
 #include "interaction/TileListView.h"
@@ -18,7 +21,16 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
       toolbar_(new ShelfToolbar(motion, this)),
       tiles_(new TileListView(motion, this)),
       emptyState_(new EmptyStateView(this)),
-      highlight_(new DropHighlight(motion, this)) {
+      highlight_(new DropHighlight(motion, this)),
+      notice_(new QLabel(this)) {
+    notice_->setWordWrap(true);
+    notice_->setAlignment(Qt::AlignCenter);
+    notice_->setFont(ShelfFonts::ofPixels(*notice_, 11));
+    notice_->setCursor(Qt::PointingHandCursor);
+    notice_->setAutoFillBackground(true);
+    notice_->setBackgroundRole(QPalette::ToolTipBase);
+    notice_->setForegroundRole(QPalette::ToolTipText);
+    notice_->installEventFilter(this);
     onCloseTile = [this](const ShelfTile& tile) {
         std::set<QUuid> ids;
         for (const ShelfItem& item : store_.members(tile.first())) ids.insert(item.id);
@@ -41,10 +53,28 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     connect(&store_, &ShelfStore::selectionChanged, this,
             [this] { tiles_->setSelection(store_.selection()); });
     connect(&store_, &ShelfStore::targetedChanged, this, [this] { highlight_->setLit(store_.isTargeted()); });
+    connect(&store_, &ShelfStore::noticeChanged, this, &ShelfView::noticeChanged);
 
     highlight_->raise();
     itemsChanged();
+    noticeChanged();
     highlight_->setLit(store_.isTargeted());
+}
+
+void ShelfView::noticeChanged() {
+    const QString text = ShelfNotice::text(store_.notice(), store_.noticeDetail());
+    notice_->setText(text);
+    notice_->setAccessibleName(text);
+    notice_->setVisible(!text.isEmpty());
+    placeParts();
+}
+
+bool ShelfView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == notice_ && event->type() == QEvent::MouseButtonRelease) {
+        store_.dismissNotice();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ShelfView::setOriginCheck(TileDescription::OriginCheck check) {
@@ -70,7 +100,12 @@ void ShelfView::placeParts() {
     const int toolbarHeight = static_cast<int>(ShelfLayout::kToolbarHeight);
     const QRect content = rect().adjusted(inset, inset, -inset, -inset);
     toolbar_->setGeometry(content.x(), content.y(), content.width(), toolbarHeight);
-    const QRect below = content.adjusted(0, toolbarHeight, 0, 0);
+    QRect below = content.adjusted(0, toolbarHeight, 0, 0);
+    if (notice_->isVisible()) {
+        const int height = notice_->heightForWidth(below.width()) + 8;
+        notice_->setGeometry(below.x(), below.bottom() - height + 1, below.width(), height);
+        below.setBottom(below.bottom() - height);
+    }
     tiles_->setGeometry(below);
     emptyState_->setGeometry(below);
     highlight_->setGeometry(content);

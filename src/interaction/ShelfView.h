@@ -7,6 +7,8 @@
 #include "interaction/TileDescription.h"
 #include "model/ShelfTile.h"
 
+class QLabel;
+
 namespace mosswick {
 
 class DropHighlight;
@@ -41,6 +43,8 @@ public:
     TileListView& tileList() { return *tiles_; }
     EmptyStateView& emptyState() { return *emptyState_; }
     DropHighlight& dropHighlight() { return *highlight_; }
+    // What the shelf tells about itself (it cannot save, its list was rebuilt); a click dismisses it.
+    QLabel& notice() { return *notice_; }
 
 signals:
     // A right click on the shelf's background, for the shelf's own menu.
@@ -50,16 +54,19 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void itemsChanged();
     void placeParts();
+    void noticeChanged();
 
     ShelfStore& store_;
     ShelfToolbar* toolbar_;
     TileListView* tiles_;
     EmptyStateView* emptyState_;
     DropHighlight* highlight_;
+    QLabel* notice_;
 };
 
 }  // namespace mosswick

@@ -3,6 +3,7 @@ set(MOSSWICK_INTERACTION_SOURCES
   ShelfLayout.h ShelfLayout.cpp
   ShelfToolbarState.h ShelfToolbarState.cpp
   TileDescription.h TileDescription.cpp
+  ShelfNotice.h ShelfNotice.cpp
   ItemIcon.h ItemIcon.cpp
   ShelfPalette.h ShelfPalette.cpp
   ShelfColors.h ShelfColors.cpp

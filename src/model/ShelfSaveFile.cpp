@@ -57,17 +57,17 @@ std::optional<std::filesystem::path> ShelfSaveFile::setAside() const {
     return aside;
 }
 
-bool ShelfSaveFile::write(const std::vector<ShelfItem>& items, std::uint64_t generation) {
+std::string ShelfSaveFile::write(const std::vector<ShelfItem>& items, std::uint64_t generation) {
     const QByteArray bytes = encode(items);
     std::lock_guard lock(writing_);
-    if (generation < written_) return false;
-    if (const std::string error = AtomicFile::write(file_, bytes); !error.empty()) {
+    if (generation < written_) return {};
+    if (std::string error = AtomicFile::write(file_, bytes); !error.empty()) {
         qCWarning(lcStore) << "Could not save the shelf, its last changes are not on disk yet:"
                            << error.c_str();
-        return false;
+        return error;
     }
     written_ = generation;
-    return true;
+    return {};
 }
 
 }  // namespace mosswick

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "model/ShelfItem.h"
@@ -39,8 +40,9 @@ public:
 
     // Numbers snapshots in the order they were taken (main thread).
     std::uint64_t nextGeneration() { return ++issued_; }
-    // Thread-safe; false when the write failed (logged) or was skipped as stale.
-    bool write(const std::vector<ShelfItem>& items, std::uint64_t generation);
+    // Thread-safe. What went wrong when the write failed (logged); empty when it was written or
+    // skipped as stale.
+    std::string write(const std::vector<ShelfItem>& items, std::uint64_t generation);
 
 private:
     std::filesystem::path file_;

@@ -99,6 +99,7 @@ void ShelfStore::recoverFromDamagedSaveFile() {
                                            : QStringLiteral("(nothing: it could not be moved)"))
                                  << "and" << items_.size() << "items were recovered from the staging folder.";
     recoveredFromDamage_ = true;
+    setNotice(Notice::recoveredFromDamage, {});
     scheduleSave();
 }
 
@@ -258,8 +259,31 @@ std::vector<ShelfTile> ShelfStore::tiles(const std::vector<ShelfItem>& items) {
 void ShelfStore::flush() {
     saveTask_.cancel();
     unsavedSince_.reset();
-    saveFile_->write(items_, saveFile_->nextGeneration());
+    saved(saveFile_->write(items_, saveFile_->nextGeneration()));
 }
+
+void ShelfStore::saved(const std::string& error) {
+    if (error.empty()) {
+        retryTask_.cancel();
+        if (notice_ == Notice::cannotSave) setNotice(Notice::none, {});
+        return;
+    }
+    // Told at once, and tried again by itself: the disk may have room again soon.
+    setNotice(Notice::cannotSave, QString::fromStdString(error));
+    if (!retryTask_.isPending())
+        retryTask_ = scheduler_.after(kSaveRetryDelay, [this] {
+            if (!saveTask_.isPending()) scheduleSave();
+        });
+}
+
+void ShelfStore::setNotice(Notice notice, const QString& detail) {
+    if (notice == notice_ && detail == noticeDetail_) return;
+    notice_ = notice;
+    noticeDetail_ = detail;
+    emit noticeChanged();
+}
+
+void ShelfStore::dismissNotice() { setNotice(Notice::none, {}); }
 
 void ShelfStore::enforceCapacity() {
     const qint64 limit = preferences_.maximumItemCount();
@@ -284,8 +308,13 @@ void ShelfStore::scheduleSave() {
     const double delay = std::clamp(*unsavedSince_ + kLongestSaveWait - now, 0.0, kSaveDelay);
     saveTask_ = scheduler_.after(delay, [this, snapshot, generation] {
         unsavedSince_.reset();
+        auto error = std::make_shared<std::string>();
+        // The result comes back only while the store lives; the write itself finishes regardless.
         scheduler_.background(
-            [snapshot, generation, file = saveFile_] { file->write(*snapshot, generation); });
+            [snapshot, generation, error, file = saveFile_] { *error = file->write(*snapshot, generation); },
+            [this, error, alive = std::weak_ptr<int>(alive_)] {
+                if (!alive.expired()) saved(*error);
+            });
     });
 }
 

@@ -30,6 +30,8 @@ public:
     // A burst of changes (a big drop's copies finishing one by one) keeps restarting the delay;
     // none waits longer than this for its save.
     static constexpr double kLongestSaveWait = 1.0;
+    // After a failed save (a full disk), the next attempt comes by itself this much later.
+    static constexpr double kSaveRetryDelay = 5.0;
 
     // Restores the saved shelf at once (and prunes orphaned staging folders).
     ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
@@ -67,16 +69,27 @@ public:
     bool hasPendingSave() const { return saveTask_.isPending(); }
     // The save file could not be read at start, and the shelf was made from the staging folder.
     bool recoveredFromDamagedSaveFile() const { return recoveredFromDamage_; }
+
+    // What the user must learn about the shelf itself, shown on it until it no longer holds or
+    // the user dismisses it.
+    enum class Notice { none, recoveredFromDamage, cannotSave };
+    Notice notice() const { return notice_; }
+    // For cannotSave: why (the system's words).
+    const QString& noticeDetail() const { return noticeDetail_; }
+    void dismissNotice();
     const ShelfSaveFile& saveFile() const { return *saveFile_; }
 
 signals:
     void itemsChanged();
     void selectionChanged();
     void targetedChanged();
+    void noticeChanged();
 
 private:
     void restore();
     void recoverFromDamagedSaveFile();
+    void saved(const std::string& error);
+    void setNotice(Notice notice, const QString& detail);
     void enforceCapacity();
     void scheduleSave();
     void forget(const ShelfItem& item);  // staged copy and cached preview, for good
@@ -94,6 +107,11 @@ private:
     // When the oldest change not yet saved was made; none when all are saved or being saved.
     std::optional<double> unsavedSince_;
     bool recoveredFromDamage_ = false;
+    Notice notice_ = Notice::none;
+    QString noticeDetail_;
+    ScheduledTask retryTask_;
+    // Lets a save's result, arriving from the background, tell whether the store still exists.
+    std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };
 
 }  // namespace mosswick

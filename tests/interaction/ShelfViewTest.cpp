@@ -12,6 +12,7 @@
 #include "interaction/ShelfToolbar.h"
 #include "interaction/ShelfView.h"
 #include "interaction/TileListView.h"
+#include <QLabel>
 #include "interaction/ToolbarButton.h"
 
 namespace mosswick {
@@ -181,6 +182,22 @@ TEST_P(ShelfViewMotion, AnimatesEveryChangeUnlessMotionIsReduced) {
 
 INSTANTIATE_TEST_SUITE_P(Motion, ShelfViewMotion, ::testing::Values(false, true),
                          [](const auto& row) { return row.param ? "Reduced" : "Full"; });
+
+TEST_F(ShelfViewTest, AShelfThatCannotSaveSaysSoUntilItCanOrTheUserDismissesIt) {
+    auto view = makeView();
+    EXPECT_FALSE(view->notice().isVisible());
+    std::filesystem::create_directories(AppFiles::saveFile() / "in the way");
+    store->add({item("a.pdf")});
+    clock.advance(ShelfStore::kSaveDelay);
+    ASSERT_TRUE(view->notice().isVisible());
+    EXPECT_TRUE(view->notice().text().startsWith(QLatin1String("Mosswick can't save the shelf")));
+    EXPECT_LE(view->notice().geometry().bottom(), view->height());
+    EXPECT_LE(view->tileList().geometry().bottom(), view->notice().geometry().top())
+        << "no tile hides under it";
+
+    QTest::mouseClick(&view->notice(), Qt::LeftButton);
+    EXPECT_FALSE(view->notice().isVisible());
+}
 
 }  // namespace
 }  // namespace mosswick

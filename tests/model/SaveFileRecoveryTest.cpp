@@ -78,6 +78,7 @@ TEST_P(DamagedSaveFile, KeepsEveryCopySetsTheFileAsideAndRebuildsTheShelf) {
 
     auto store = makeStore();
     EXPECT_TRUE(store->recoveredFromDamagedSaveFile());
+    EXPECT_EQ(store->notice(), ShelfStore::Notice::recoveredFromDamage);
     EXPECT_EQ(names(store->items()), (std::vector<std::string>{"newer.pdf", "older.txt"}));
     EXPECT_EQ(store->items().front().id, newer.id);
     EXPECT_EQ(store->items().front().stagedURL, newer.stagedURL);
@@ -181,6 +182,21 @@ TEST_F(SaveFileRecoveryTest, ASavedShelfPastTheLimitKeepsTheRestInTheRemovalHist
     ASSERT_EQ(store->removalHistory().size(), 1u);
     EXPECT_EQ(names(store->removalHistory().front()), (std::vector<std::string>{"item3", "item4"}));
     EXPECT_TRUE(std::filesystem::exists(ItemStaging::itemFolder(saved[4].id) / "item4")) << "copies kept";
+}
+
+TEST_F(SaveFileRecoveryTest, AShelfThatCannotSaveSaysSoAndSavesOnceItCanAgain) {
+    auto store = makeStore();
+    // Something that is no file stands where the save file goes, as a full disk would stop it.
+    std::filesystem::create_directories(AppFiles::saveFile() / "in the way");
+    store->add({staged("a")});
+    clock.advance(ShelfStore::kSaveDelay);
+    EXPECT_EQ(store->notice(), ShelfStore::Notice::cannotSave);
+    EXPECT_FALSE(store->noticeDetail().isEmpty());
+
+    std::filesystem::remove_all(AppFiles::saveFile());
+    clock.advance(ShelfStore::kSaveRetryDelay + ShelfStore::kSaveDelay);
+    EXPECT_EQ(store->notice(), ShelfStore::Notice::none);
+    EXPECT_EQ(names(ShelfSaveFile(AppFiles::saveFile()).read().items), (std::vector<std::string>{"a"}));
 }
 
 }  // namespace
