@@ -7,8 +7,9 @@ QString text(ShelfStore::Notice notice, const QString& detail) {
         case ShelfStore::Notice::none:
             return {};
         case ShelfStore::Notice::recoveredFromDamage:
-            return QStringLiteral("The saved shelf could not be read. It was rebuilt from the copies Mosswick "
-                                  "keeps; the damaged file was set aside.");
+            return QStringLiteral(
+                "The saved shelf could not be read. It was rebuilt from the copies Mosswick "
+                "keeps; the damaged file was set aside.");
         case ShelfStore::Notice::cannotSave:
             return detail.isEmpty() ? QStringLiteral("Mosswick can't save the shelf. It keeps trying.")
                                     : QStringLiteral("Mosswick can't save the shelf (%1). It keeps trying.")
