@@ -55,6 +55,8 @@ void DragMonitor::start() {
     started_ = true;
     lastChangeCount_ = probe_.dragChangeCount();
     pendingChange_.reset();
+    if (installedApplications_ && !preferences_.ignoredApplications().isEmpty())
+        installedApplications_->prepare();
     probe_.watch([this](DesktopProbe::Event event) { handle(event); });
 }
 

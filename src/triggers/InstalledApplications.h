@@ -20,6 +20,8 @@ class InstalledApplications {
 public:
     virtual ~InstalledApplications() = default;
     virtual std::vector<WindowClassEntry> windowClassEntries() = 0;
+    // Starts reading ahead of the first question, so that question need not wait.
+    virtual void prepare() {}
 };
 
 // For sessions without installed desktop entries to read: no window class is known.

@@ -112,15 +112,19 @@ std::vector<WindowClassEntry> DesktopEntries::read(const QStringList& folders) {
 }
 
 std::vector<WindowClassEntry> DesktopEntries::windowClassEntries() {
-    const bool firstTime = !startedAt_.isValid();
+    const bool firstTime = !hasRead();
     // Folders created after the last reading have no watch on them yet.
-    if (firstTime ||
+    if (!startedAt_.isValid() ||
         (!inProgress_ && startedAt_.secsTo(QDateTime::currentDateTimeUtc()) >= kRereadAfterSeconds))
         reread();
     // So the first drag from a program known only by its window class is not missed.
     if (firstTime) pool_.waitForDone(kFirstReadingWaitMs);
     const QMutexLocker lock(&reading_->mutex);
     return reading_->entries;
+}
+
+void DesktopEntries::prepare() {
+    if (!startedAt_.isValid()) reread();
 }
 
 bool DesktopEntries::hasRead() const {

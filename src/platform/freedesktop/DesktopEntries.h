@@ -34,6 +34,7 @@ public:
     static std::vector<WindowClassEntry> read(const QStringList& folders);
 
     std::vector<WindowClassEntry> windowClassEntries() override;
+    void prepare() override;
     // Whether a reading has completed, and its folders are watched.
     bool hasRead() const;
 
