@@ -101,6 +101,8 @@ void stage(Staging file, const std::shared_ptr<Handover>& handover, Scheduler& s
                 qCWarning(lcIngest).noquote()
                     << "Could not keep a copy of" << logName(source) << "(" << outcome->error.c_str()
                     << "); the item refers to the original only";
+                item.copyProblem = QString::fromStdString(outcome->error);
+                handover->store.update(item);
                 return;
             }
             item.stagedURL = LocalPath::toUrl(*outcome->copy, outcome->isDirectory);

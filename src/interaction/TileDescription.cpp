@@ -64,6 +64,14 @@ TileDescription TileDescription::of(const ShelfTile& tile, const OriginCheck& is
         }
     }
     if (d.isOriginMissing) tip << QString::fromUtf8(kOriginMissing);
+    for (const ShelfItem& item : tile.items) {
+        if (item.copyProblem.isEmpty()) continue;
+        d.isCopyMissing = true;
+        tip << QString::fromUtf8(kNoCopy) + QStringLiteral(" (") +
+                   item.copyProblem.section(QLatin1String(": "), -1) + QLatin1Char(')');
+        if (!d.isStack()) d.detail = QStringLiteral("No copy kept");
+        break;
+    }
     d.toolTip = tip.join(QLatin1Char('\n'));
     return d;
 }

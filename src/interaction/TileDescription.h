@@ -14,6 +14,7 @@ namespace mosswick {
 struct TileDescription {
     static constexpr const char* kWaitingSuffix = " — waiting for the file";
     static constexpr const char* kOriginMissing = "Original file is missing — Mosswick's copy will be used";
+    static constexpr const char* kNoCopy = "Mosswick couldn't keep its own copy — the original will be used";
 
     // The tile's identity across list changes: a stack keeps its batch id, a single item its id.
     QUuid key;
@@ -31,6 +32,8 @@ struct TileDescription {
     bool isDirectory = false;
     bool isWaiting = false;
     bool isOriginMissing = false;
+    // No copy of the file could be kept; the tooltip says why.
+    bool isCopyMissing = false;
 
     bool isStack() const { return count > 1; }
 

@@ -25,6 +25,9 @@ struct ShelfItem {
     std::optional<QUrl> webURL;
     bool isPromised = false;
     std::optional<QUuid> batchID;
+    // Why no copy of the original could be kept (a full disk, an unreadable file), for the tile to
+    // say; the item then stands for the original alone. Only for this run: never saved.
+    QString copyProblem;
 
     static constexpr const char* kGenericContentType = "application/octet-stream";
 

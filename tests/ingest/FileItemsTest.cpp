@@ -97,6 +97,21 @@ TEST_F(FileItemsTest, AnUnreadableFileStaysReferencedAndTheLossIsLogged) {
     EXPECT_EQ(log.warnings().size(), 1);
 }
 
+TEST_F(FileItemsTest, ACopyThatCannotBeKeptLeavesTheItemOnTheOriginalAndSaysWhy) {
+    writeFile(folder / "report.pdf", "the only one");
+    const ShelfItem item = dropOne(folder / "report.pdf");
+    {
+        const testing::StagingAreaBlocked blocked;
+        finishBackgroundWork();
+    }
+    const ShelfItem* kept = onShelf(item.id);
+    ASSERT_TRUE(kept);
+    EXPECT_FALSE(kept->stagedURL);
+    EXPECT_EQ(kept->dragURL(), item.originURL);
+    EXPECT_FALSE(kept->copyProblem.isEmpty());
+    EXPECT_EQ(log.warnings().size(), 1);
+}
+
 TEST_F(FileItemsTest, ItemsAFullShelfDropsAtOnceAreNeverCopied) {
     preferences.setMaximumItemCount(2);
     FakePasteboard pasteboard;

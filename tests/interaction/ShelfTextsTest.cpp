@@ -84,6 +84,16 @@ TEST_F(TileTextsTest, AMissingOriginalIsBadgedAndExplained) {
     EXPECT_FALSE(TileDescription::of(ShelfTile{{item("here.pdf")}}, onlyGone).isOriginMissing);
 }
 
+TEST_F(TileTextsTest, AnItemWithoutACopySaysWhy) {
+    ShelfItem uncopied = item("report.pdf");
+    uncopied.copyProblem = QStringLiteral("write /data/Staged/X/report.pdf: No space left on device");
+    const TileDescription d =
+        TileDescription::of(ShelfTile{{uncopied}}, [](const ShelfItem&) { return false; });
+    EXPECT_TRUE(d.isCopyMissing);
+    EXPECT_EQ(d.detail, QStringLiteral("No copy kept"));
+    EXPECT_TRUE(d.toolTip.endsWith(QStringLiteral("the original will be used (No space left on device)")));
+}
+
 TEST_F(TileTextsTest, DetailNamesTheKindOfThing) {
     auto none = [](const ShelfItem&) { return false; };
     EXPECT_EQ(TileDescription::of(ShelfTile{{item("report.pdf")}}, none).detail, "2.5 kB");
