@@ -72,7 +72,7 @@ bool makeOwnFolder(const std::filesystem::path& folder) {
         }
         // A link could send pruning into someone else's files; anything else is not ours to use.
         std::filesystem::path aside = folder;
-        aside += ".set-aside-" + std::to_string(::time(nullptr));
+        aside += std::string(".set-aside-").append(std::to_string(::time(nullptr)));
         if (::rename(folder.c_str(), aside.c_str()) != 0) {
             qWarning("Mosswick: %s is not a folder of this user's and could not be set aside: %s",
                      folder.c_str(), std::strerror(errno));

@@ -43,10 +43,11 @@ ShelfSaveFile::Contents ShelfSaveFile::read() const {
 std::optional<std::filesystem::path> ShelfSaveFile::setAside() const {
     const QString moment = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
     std::filesystem::path aside = file_;
-    aside += ".damaged-" + moment.toStdString();
+    aside += std::string(".damaged-").append(moment.toStdString());
     for (int attempt = 1; std::filesystem::exists(std::filesystem::symlink_status(aside)); ++attempt) {
         aside = file_;
-        aside += ".damaged-" + moment.toStdString() + "-" + std::to_string(attempt);
+        aside +=
+            std::string(".damaged-").append(moment.toStdString()).append("-").append(std::to_string(attempt));
     }
     std::error_code error;
     std::filesystem::rename(file_, aside, error);

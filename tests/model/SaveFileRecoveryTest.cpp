@@ -152,7 +152,7 @@ TEST_F(SaveFileRecoveryTest, FoldersLeftOpenToOthersAreClosed) {
 TEST_F(SaveFileRecoveryTest, ABurstOfChangesIsSavedWithinASecond) {
     auto store = makeStore();
     for (int i = 0; i < 12; ++i) {
-        store->add({staged("burst" + std::to_string(i))});
+        store->add({staged(std::string("burst").append(std::to_string(i)))});
         clock.advance(0.1);
     }
     // Each change came before the last one's delay ran out; the first must not wait past a second.
