@@ -100,9 +100,8 @@ INSTANTIATE_TEST_SUITE_P(Rows, DamagedSaveFile,
                          ::testing::Values(DamageRow{"truncated", "[\n    {\n        \"displayName\": \"a"},
                                            DamageRow{"notJson", "not json"},
                                            DamageRow{"notAnArray", "{\"items\": []}"}, DamageRow{"empty", ""},
-                                           DamageRow{"nestedPastTheParser", "[" + std::string(100000, '[') +
-                                                                                std::string(100000, ']') +
-                                                                                "]"}),
+                                           DamageRow{"nestedPastTheParser",
+                                                     std::string(100001, '[').append(100001, ']')}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SaveFileRecoveryTest, ANewShelfWithoutASaveFileStillPrunesLeftovers) {
