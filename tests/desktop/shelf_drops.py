@@ -14,9 +14,10 @@ y = 760 - 6 - h, h = n x 88 + 56; the drops aim at (1176, 700), inside even the 
 import json
 import os
 import re
+import subprocess
 import uuid
 
-from desktop import Cases, skip_unless_available
+from desktop import Cases, skip, skip_unless_available
 from desktop.files import file_uri, make_files, make_png, png_pixels, read_bytes
 from desktop.mosswick import Shelf, data_folder, save_file, saved_items, staged_path
 from desktop.peers import SOURCE_GEOMETRY, SOURCE_POINT
@@ -263,6 +264,52 @@ def restart_with_reduced_motion(d):
     drops.shelf.wait_frame(frame_for(2))
     drops.stop()
     print("ok: after a restart, with reduced motion, the shelf still has its items and takes a drop")
+
+
+@cases.case
+def full_disk(d):
+    # The data folder on a file system of its own that the test fills: a drop while it is full
+    # keeps its original, nothing saved before is lost, and saving resumes once there is room.
+    if os.geteuid() != 0:
+        skip("mounting a small file system for the data folder needs root")
+    folder = data_folder(d)
+    os.makedirs(folder, mode=0o700, exist_ok=True)
+    if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=512k,mode=0700", "tmpfs", folder]).returncode != 0:
+        skip("this machine does not allow mounting a tmpfs")
+    drops = None
+    try:
+        drops = Drops(d)
+        [before, during] = make_files(drops.folder, [b"before.txt", b"during.bin"],
+                                      content=lambda name: name * 2000)
+        drops.drag("--file", before)
+        [kept] = drops.landed(1)
+        filler = os.path.join(folder, "filler")
+        fd = os.open(filler, os.O_WRONLY | os.O_CREAT, 0o600)
+        try:
+            while os.write(fd, b"\0" * 4096):
+                pass
+        except OSError:
+            pass
+        finally:
+            os.close(fd)
+
+        drops.drag("--file", during)
+        d.wait_for(lambda: "Could not save the shelf" in drops.shelf.app.output(), 5, "the save to fail")
+        assert [i["displayName"] for i in saved_items(d)] == ["before.txt"], saved_items(d)
+        assert read_bytes(staged_path(kept)) == read_bytes(before), "nothing saved before is lost"
+        d.screenshot("cannot-save")
+
+        os.remove(filler)
+        items = drops.shelf.wait_saved(lambda items: len(items) == 2, timeout=15)
+        assert [i["displayName"] for i in items] == ["during.bin", "before.txt"], items
+        assert items[0]["originURL"] == file_uri(during), items[0]
+        assert read_bytes(staged_path(kept)) == read_bytes(before)
+        drops.shelf.stop()
+        print("ok: a drop on a full disk keeps its original, and saving resumes once there is room")
+    finally:
+        if drops:
+            drops.shelf.app.stop()
+        subprocess.run(["umount", "-l", folder])
 
 
 cases.run()
