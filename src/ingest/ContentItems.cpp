@@ -12,6 +12,7 @@
 #include "model/ItemStaging.h"
 #include "model/LocalPath.h"
 #include "model/Logging.h"
+#include "model/ShelfStore.h"
 
 namespace mosswick::ContentItems {
 
@@ -86,18 +87,70 @@ std::optional<ShelfItem> readImage(const Pasteboard& pasteboard, const IngestSer
     return written(services, name, png, QStringLiteral("image/png"), name);
 }
 
+namespace {
+
+// Half a surrogate pair has no UTF-8 form: rather nothing than a file that is not the text.
+std::optional<QByteArray> utf8Of(const QString& text) {
+    QStringEncoder utf8(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    QByteArray bytes = utf8.encode(text);
+    if (utf8.hasError()) return std::nullopt;
+    return bytes;
+}
+
+// A long text is encoded and written off the main thread: its item waits for its file meanwhile,
+// as a promised file does, and leaves the shelf (logged) should the file not be written.
+ShelfItem writtenLater(const IngestServices& services, const QString& name, const QString& text) {
+    ShelfItem item;
+    item.id = QUuid::createUuid();
+    item.displayName = name;
+    item.contentTypeIdentifier = QStringLiteral("text/plain");
+    item.isPromised = true;
+    item.addedAt = Timestamp::fromDateTime(services.now());
+    const std::filesystem::path folder = ItemStaging::itemFolder(item.id);
+    const std::filesystem::path file = folder / LocalPath::fromBytes(name.toUtf8());
+    auto result = std::make_shared<std::pair<std::string, qint64>>();
+    ShelfStore& store = services.store;
+    services.scheduler.background(
+        [text, folder, file, result] {
+            const std::optional<QByteArray> bytes = utf8Of(text);
+            if (!bytes) {
+                result->first = "the text is not valid Unicode";
+            } else if (!AppFiles::makePrivateDirectory(folder)) {
+                result->first = "cannot create " + folder.string();
+            } else {
+                result->first = AtomicFile::write(file, *bytes, 0644);
+                result->second = bytes->size();
+            }
+        },
+        [&store, item, file, result]() mutable {
+            if (!result->first.empty()) {
+                qCWarning(lcIngest) << "Could not keep the dropped text as" << item.displayName << ":"
+                                    << result->first.c_str();
+                ItemStaging::discard(item.id);
+                store.remove({item.id}, false);
+                return;
+            }
+            item.isPromised = false;
+            item.stagedURL = LocalPath::toUrl(file);
+            item.byteSize = result->second;
+            store.update(item);
+        });
+    return item;
+}
+
+}  // namespace
+
 std::optional<ShelfItem> readText(const Pasteboard& pasteboard, const IngestServices& services) {
     const std::optional<QString> text = pasteboard.string(Pasteboard::Text::plain);
     if (!text || !hasVisibleCharacter(*text)) return std::nullopt;
-    QStringEncoder utf8(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    const QByteArray bytes = utf8.encode(*text);
-    // Half a surrogate pair has no UTF-8 form: rather nothing than a file that is not the text.
-    if (utf8.hasError()) {
+    const QString name = DroppedFileNames::forText(*text);
+    if (text->size() >= kLongText) return writtenLater(services, name, *text);
+    const std::optional<QByteArray> bytes = utf8Of(*text);
+    if (!bytes) {
         qCWarning(lcIngest) << "A dropped text is not valid Unicode; it was not kept";
         return std::nullopt;
     }
-    const QString name = DroppedFileNames::forText(*text);
-    return written(services, name, bytes, QStringLiteral("text/plain"), name);
+    return written(services, name, *bytes, QStringLiteral("text/plain"), name);
 }
 
 }  // namespace mosswick::ContentItems
