@@ -27,7 +27,6 @@ public:
     FakeDirectSaveSource(const FakeDirectSaveSource&) = delete;
     FakeDirectSaveSource& operator=(const FakeDirectSaveSource&) = delete;
 
-    bool isConnected() const { return display_ != nullptr; }
     quint32 window() const { return static_cast<quint32>(window_); }
     // Offers application/octet-stream with these bytes (sent in pieces when large).
     void offerData(const QByteArray& bytes) { data_ = bytes; }
