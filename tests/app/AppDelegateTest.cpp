@@ -81,9 +81,8 @@ protected:
     RegisteredHotKeys keys;
     HotKeyManager hotKeys{keys, clock, defaults};
     SleepyMachine machine;
-    AppDelegate delegate{{preferences, store, controller, monitor, hotKeys, defaults,
-                          [] {},
-                          [](AppearanceMode) {}, machine}};
+    AppDelegate delegate{
+        {preferences, store, controller, monitor, hotKeys, defaults, [] {}, [](AppearanceMode) {}, machine}};
 };
 
 TEST_F(AppDelegateTest, ARestoredShelfStaysAwayUntilTheApplicationIsOpenedAgain) {

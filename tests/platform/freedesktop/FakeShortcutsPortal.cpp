@@ -61,7 +61,8 @@ public:
                 list.beginStructure();
                 list >> id >> properties;
                 list.endStructure();
-                shortcuts.push_back({session, id, properties.value(QStringLiteral("preferred_trigger")).toString()});
+                shortcuts.push_back(
+                    {session, id, properties.value(QStringLiteral("preferred_trigger")).toString()});
             }
             list.endArray();
             uint response = 0;

@@ -6,7 +6,6 @@
 
 #include "platform/x11/X11WorkArea.h"
 
-
 namespace mosswick {
 namespace {
 
