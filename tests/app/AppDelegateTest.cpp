@@ -24,20 +24,16 @@ using testing::FakeDisplayEnvironment;
 using testing::FakeShelfPanel;
 using testing::ManualScheduler;
 
-// The shortcut as the user presses it.
-class PressableHotKeys final : public HotKeyService {
+// Whether the shortcut is held. What its presses do is shown by the desktop test triggers_shortcut.
+class RegisteredHotKeys final : public HotKeyService {
 public:
-    void installHandler(EventHandler events, FailureHandler) override { events_ = std::move(events); }
+    void installHandler(EventHandler, FailureHandler) override {}
     Registration registerHotKey(const KeyCombo&) override {
         registered = true;
         return {1, 0};
     }
     void unregisterHotKey(Handle) override { registered = false; }
-    void send(Event event) { events_(event); }
     bool registered = false;
-
-private:
-    EventHandler events_;
 };
 
 // The machine as the test sends it to sleep and wakes it.
@@ -78,24 +74,15 @@ protected:
     ShelfStore store{preferences, clock, testing::freshFolder("app") / "shelf.json"};
     FakeDisplayEnvironment environment;
     FakeDesktopMotionSetting desktopMotion;
-    FakeShelfPanel* panel = nullptr;
-    ShelfWindowController controller{
-        {preferences, store, clock, environment, desktopMotion, [this](const ScreenRect& frame) {
-             auto made = std::make_unique<FakeShelfPanel>();
-             made->standAt(frame);
-             panel = made.get();
-             return made;
-         }}};
+    ShelfWindowController controller{{preferences, store, clock, environment, desktopMotion,
+                                      [](const ScreenRect&) { return std::make_unique<FakeShelfPanel>(); }}};
     DummyDesktopProbe probe;
     DragMonitor monitor{probe, environment, clock, preferences};
-    PressableHotKeys keys;
+    RegisteredHotKeys keys;
     HotKeyManager hotKeys{keys, clock, defaults};
-    int clipboardImports = 0;
-    std::vector<AppearanceMode> appearances;
     SleepyMachine machine;
-    AppDelegate delegate{{preferences, store, controller, monitor, hotKeys, defaults,
-                          [this] { ++clipboardImports; },
-                          [this](AppearanceMode mode) { appearances.push_back(mode); }, machine}};
+    AppDelegate delegate{
+        {preferences, store, controller, monitor, hotKeys, defaults, [] {}, [](AppearanceMode) {}, machine}};
 };
 
 TEST_F(AppDelegateTest, ARestoredShelfStaysAwayUntilTheApplicationIsOpenedAgain) {
@@ -108,29 +95,6 @@ TEST_F(AppDelegateTest, ARestoredShelfStaysAwayUntilTheApplicationIsOpenedAgain)
 
     EXPECT_TRUE(delegate.applicationShouldHandleReopen());
     EXPECT_TRUE(controller.isShown());
-}
-
-TEST_F(AppDelegateTest, TheShortcutTogglesBringsBackAndImports) {
-    launch();
-    const ShelfItem removed = stagedItem("removed.txt");
-    store.add({removed});
-    store.remove({removed.id}, true);
-
-    keys.send(HotKeyService::Event::pressed);  // held: bring back and summon
-    clock.advance(HotKeyManager::kLongPressDelay + 0.05);
-    keys.send(HotKeyService::Event::released);
-    clock.advance(1);
-    ASSERT_EQ(store.items().size(), 1u);
-    EXPECT_EQ(store.items()[0].id, removed.id);
-    EXPECT_TRUE(controller.isShown());
-
-    for (int tap = 0; tap < 2; ++tap) {  // double press: the clipboard
-        keys.send(HotKeyService::Event::pressed);
-        keys.send(HotKeyService::Event::released);
-        clock.advance(0.05);
-    }
-    clock.advance(1);
-    EXPECT_EQ(clipboardImports, 1);
 }
 
 TEST_F(AppDelegateTest, WakingDropsOnlyItemsWhoseFilesAreGoneEverywhere) {

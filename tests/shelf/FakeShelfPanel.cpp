@@ -4,11 +4,13 @@
 
 namespace mosswick::testing {
 
+namespace {
 std::string describe(const ScreenRect& rect) {
     std::ostringstream out;
     out << rect.x << "," << rect.y << " " << rect.width << "x" << rect.height;
     return out.str();
 }
+}  // namespace
 
 void FakeShelfPanel::setFrame(const ScreenRect& frame) {
     for (Running& r : running_) r.ownsFrame = false;
@@ -46,12 +48,6 @@ void FakeShelfPanel::animate(const PanelAnimation& animation, std::function<void
     line << " " << animation.duration << "s "
          << (animation.curve == AnimationCurve::easeIn ? "ease-in" : "ease-out");
     log(line.str());
-}
-
-bool FakeShelfPanel::isAnimating() const {
-    for (const Running& r : running_)
-        if (r.ownsFrame || r.ownsAlpha) return true;
-    return false;
 }
 
 void FakeShelfPanel::finishAnimations() {

@@ -23,7 +23,6 @@ public:
 
     double alpha() const { return alpha_; }
     AppearanceMode appearance() const { return appearance_; }
-    bool isAnimating() const;
 
     // Moves every running animation to its end, then runs the completions in the order the
     // animations were started.
@@ -50,7 +49,5 @@ private:
     std::vector<Running> running_;
     std::vector<std::string> log_;
 };
-
-std::string describe(const ScreenRect& rect);
 
 }  // namespace mosswick::testing

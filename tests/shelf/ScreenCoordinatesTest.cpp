@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "support/GeometryPrinting.h"
-#include "platform/qt/QtDisplayEnvironment.h"
 #include "shelf/ScreenCoordinates.h"
 #include "shelf/WindowPlacement.h"
 
@@ -77,14 +76,6 @@ TEST(ScreenCoordinates, APointerOnTheTopRowIsNotTakenForTheDisplayAbove) {
     const Display above = coordinates.display({0, -1080, 1920, 1080}, {0, -1080, 1920, 1080});
     EXPECT_EQ(WindowPlacement::screen({above, main}, coordinates.pointerFromQt({500, 0})), main);
     EXPECT_EQ(WindowPlacement::screen({main, above}, coordinates.pointerFromQt({500, -1})), above);
-}
-
-TEST(QtDisplayEnvironment, ListsTheMainDisplayFirstAtTheOrigin) {
-    QtDisplayEnvironment environment;
-    const std::vector<Display> displays = environment.displays();
-    ASSERT_FALSE(displays.empty());
-    EXPECT_EQ(displays.front().frame.x, 0);
-    EXPECT_EQ(displays.front().frame.y, 0);
 }
 
 }  // namespace

@@ -29,7 +29,6 @@ public:
 
     // Timers not yet run nor cancelled.
     size_t pendingTimers() const;
-    size_t pendingBackgroundJobs() const { return jobs_.size(); }
 
 private:
     struct Timer {

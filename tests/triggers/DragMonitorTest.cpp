@@ -81,10 +81,6 @@ protected:
                 putOnPasteboard({QStringLiteral("text/uri-list"), QStringLiteral("text/plain")});
             else if (step == u"looseFile")  // as some toolkits spell it
                 putOnPasteboard({QStringLiteral("Text/URI-List")});
-            else if (step == u"link")
-                putOnPasteboard({QStringLiteral("text/x-moz-url"), QStringLiteral("UTF8_STRING")});
-            else if (step == u"promise")
-                putOnPasteboard({QStringLiteral("XdndDirectSave0")});
             else if (step == u"text")
                 putOnPasteboard({QStringLiteral("UTF8_STRING"), QStringLiteral("text/plain")});
             else if (step == u"nothing")
@@ -145,9 +141,7 @@ const Gesture kGestures[] = {
     // Dragging a window or selecting text leaves the drag pasteboard as it was.
     {"windowMove", "down drag drag +0.2 drag up", ""},
     {"fileDrag", "down file drag drag up", "began ended"},
-    {"linkDrag", "down link drag up", "began ended"},
     {"fileTypeSpelledLoosely", "down looseFile drag up", "began ended"},
-    {"promisedFile", "down promise drag up", "began ended"},
     {"textOnly", "down text drag +0.3 drag +0.3 drag up", ""},
     {"emptyTypeList", "down nothing drag +0.1 drag up", ""},
     // The pasteboard being filled in steps: still within the grace period, then after it.

@@ -61,8 +61,8 @@ public:
                 list.beginStructure();
                 list >> id >> properties;
                 list.endStructure();
-                shortcuts.push_back({session, id, properties.value(QStringLiteral("description")).toString(),
-                                     properties.value(QStringLiteral("preferred_trigger")).toString()});
+                shortcuts.push_back(
+                    {session, id, properties.value(QStringLiteral("preferred_trigger")).toString()});
             }
             list.endArray();
             uint response = 0;
@@ -135,15 +135,9 @@ QStringList FakeShortcutsPortal::closedSessions() const {
     return object_->closed;
 }
 
-void FakeShortcutsPortal::activate(const QString& session, const QString& id) {
-    QDBusMessage signal = QDBusMessage::createSignal(kPath, kInterface, QStringLiteral("Activated"));
+void FakeShortcutsPortal::send(const char* member, const QString& session, const QString& id) {
+    QDBusMessage signal = QDBusMessage::createSignal(kPath, kInterface, QString::fromLatin1(member));
     signal << QVariant::fromValue(QDBusObjectPath(session)) << id << qulonglong(1) << QVariantMap();
-    connection_.send(signal);
-}
-
-void FakeShortcutsPortal::deactivate(const QString& session, const QString& id) {
-    QDBusMessage signal = QDBusMessage::createSignal(kPath, kInterface, QStringLiteral("Deactivated"));
-    signal << QVariant::fromValue(QDBusObjectPath(session)) << id << qulonglong(2) << QVariantMap();
     connection_.send(signal);
 }
 

@@ -19,7 +19,6 @@ public:
     struct Shortcut {
         QString session;
         QString id;
-        QString description;
         QString preferredTrigger;
     };
 
@@ -33,10 +32,12 @@ public:
     std::vector<Shortcut> boundShortcuts() const;
     QStringList closedSessions() const;
 
-    void activate(const QString& session, const QString& id);
-    void deactivate(const QString& session, const QString& id);
+    void activate(const QString& session, const QString& id) { send("Activated", session, id); }
+    void deactivate(const QString& session, const QString& id) { send("Deactivated", session, id); }
 
 private:
+    void send(const char* member, const QString& session, const QString& id);
+
     QDBusConnection connection_;
     QThread thread_;
     std::unique_ptr<FakeShortcutsPortalObject> object_;

@@ -5,13 +5,10 @@
 #include <QStringList>
 #include <memory>
 
-#include "model/DefaultsStore.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
-#include "triggers/HotKeyManager.h"
 #include "triggers/KeyboardLayout.h"
 #include "support/EventWaiting.h"
 #include "FakeShortcutsPortal.h"
-#include "support/ManualScheduler.h"
 #include "support/PrivateSessionBus.h"
 
 using mosswick::HotKeyService;
@@ -92,8 +89,6 @@ TEST_F(PortalGlobalShortcutsTest, BindsTheComboAndHearsItGoDownAndUpOnce) {
     ASSERT_TRUE(service->registerHotKey(kCtrlAltSpace).handle);
     const QString session = boundSession();
     const auto shortcut = portal->boundShortcuts().front();
-    EXPECT_EQ(shortcut.id, QStringLiteral("toggle-shelf"));
-    EXPECT_EQ(shortcut.description, QStringLiteral("Toggle the shelf"));
     EXPECT_EQ(shortcut.preferredTrigger, QStringLiteral("CTRL+ALT+space"));
 
     portal->activate(QStringLiteral("/org/freedesktop/portal/desktop/session/other/x"), shortcut.id);
@@ -127,69 +122,6 @@ TEST_F(PortalGlobalShortcutsTest, UnregisteringClosesTheSessionAndSilencesIt) {
     portal->activate(session, PortalGlobalShortcuts::kShortcutId);
     keepRunning(50);
     EXPECT_TRUE(events.isEmpty());
-}
-
-// Passes everything through, counting the key events on the way, so a test can wait for them.
-class CountingService final : public HotKeyService {
-public:
-    explicit CountingService(HotKeyService& inner) : inner_(inner) {}
-    void installHandler(EventHandler events, FailureHandler lateFailures) override {
-        inner_.installHandler(
-            [this, events](Event event) {
-                ++seen;
-                events(event);
-            },
-            std::move(lateFailures));
-    }
-    Registration registerHotKey(const KeyCombo& combo) override { return inner_.registerHotKey(combo); }
-    void unregisterHotKey(Handle handle) override { inner_.unregisterHotKey(handle); }
-
-    int seen = 0;
-
-private:
-    HotKeyService& inner_;
-};
-
-TEST_F(PortalGlobalShortcutsTest, PressesDriveTheSameTapHoldAndDoubleRules) {
-    startPortal();
-    CountingService counting(*service);
-    mosswick::testing::ManualScheduler clock;
-    mosswick::MemoryDefaultsStore store;
-    mosswick::HotKeyManager manager(counting, clock, store);
-    QStringList heard;
-    manager.onToggle = [&] { heard << QStringLiteral("toggle"); };
-    manager.onLongPress = [&] { heard << QStringLiteral("long"); };
-    manager.onDoublePress = [&] { heard << QStringLiteral("double"); };
-    manager.registerCombo(kCtrlAltSpace);
-    const QString session = boundSession();
-    const auto key = [&](bool down) {
-        const int before = counting.seen;
-        if (down)
-            portal->activate(session, PortalGlobalShortcuts::kShortcutId);
-        else
-            portal->deactivate(session, PortalGlobalShortcuts::kShortcutId);
-        ASSERT_TRUE(waitUntil([&] { return counting.seen > before; }));
-    };
-
-    key(true);
-    key(false);
-    clock.advance(0.35);
-    EXPECT_EQ(heard, QStringList{QStringLiteral("toggle")});
-
-    key(true);
-    clock.advance(0.5);
-    key(false);
-    clock.advance(0.35);
-    EXPECT_EQ(heard, QStringList({QStringLiteral("toggle"), QStringLiteral("long")}));
-
-    key(true);
-    key(false);
-    clock.advance(0.1);
-    key(true);
-    key(false);
-    clock.advance(1);
-    EXPECT_EQ(heard,
-              QStringList({QStringLiteral("toggle"), QStringLiteral("long"), QStringLiteral("double")}));
 }
 
 TEST(PortalTrigger, SpellsKeysTheWayDesktopShortcutSettingsDo) {

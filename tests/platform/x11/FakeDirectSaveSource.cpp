@@ -1,9 +1,5 @@
 #include "FakeDirectSaveSource.h"
 
-#include <QUrl>
-
-#include "support/TestFolders.h"
-
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
@@ -77,29 +73,7 @@ void FakeDirectSaveSource::answerDirectSave(const void* raw) {
     requestTime_ = request.time;
     if (answer_ == Answer::neverAnswers) return;
 
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0;
-    unsigned long remaining = 0;
-    unsigned char* value = nullptr;
-    XGetWindowProperty(display_, window_, atom("XdndDirectSave0"), 0, 4096, False, AnyPropertyType, &type,
-                       &format, &count, &remaining, &value);
-    uri_ = QByteArray(reinterpret_cast<const char*>(value), static_cast<qsizetype>(count));
-    if (value) XFree(value);
-
-    const QUrl url = QUrl::fromEncoded(*uri_);
-    const std::filesystem::path file(
-        QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
-    const char* letter = "E";
-    if (answer_ == Answer::saves) {
-        writeFile(file, kContents);
-        letter = "S";
-    } else if (answer_ == Answer::savesUnderOwnName) {
-        writeFile(file.parent_path() / kOwnName, kContents);
-        letter = "S";
-    } else if (answer_ == Answer::fails) {
-        letter = "F";
-    }
+    const char* letter = answer_ == Answer::fails ? "F" : "E";
     XChangeProperty(display_, request.requestor, request.property, XA_STRING, 8, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(letter), 1);
     XSelectionEvent reply{};

@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QString>
-#include <filesystem>
 #include <optional>
 
 struct _XDisplay;
@@ -15,10 +14,8 @@ namespace mosswick::testing {
 class FakeDirectSaveSource {
 public:
     enum class Answer {
-        saves,              // writes the file at the URI it was given, answers "S"
-        savesUnderOwnName,  // writes its own name into the URI's folder (as xarchiver does), "S"
-        fails,              // "F": the receiver is to write the application/octet-stream bytes itself
-        reportsError,       // "E"
+        fails,         // "F": the receiver is to write the application/octet-stream bytes itself
+        reportsError,  // "E"
         neverAnswers,
     };
 
@@ -27,7 +24,6 @@ public:
     FakeDirectSaveSource(const FakeDirectSaveSource&) = delete;
     FakeDirectSaveSource& operator=(const FakeDirectSaveSource&) = delete;
 
-    bool isConnected() const { return display_ != nullptr; }
     quint32 window() const { return static_cast<quint32>(window_); }
     // Offers application/octet-stream with these bytes (sent in pieces when large).
     void offerData(const QByteArray& bytes) { data_ = bytes; }
@@ -38,10 +34,7 @@ public:
     // Goes away without a word.
     void vanish();
 
-    // What the source wrote, and the URI and time it was asked with.
-    static constexpr const char* kContents = "the promised contents";
-    static constexpr const char* kOwnName = "own-name.txt";
-    const std::optional<QByteArray>& uri() const { return uri_; }
+    // The time it was asked with.
     std::optional<unsigned long> requestTime() const { return requestTime_; }
 
 private:
@@ -54,7 +47,6 @@ private:
     unsigned long window_ = 0;
     Answer answer_;
     QByteArray data_;
-    std::optional<QByteArray> uri_;
     std::optional<unsigned long> requestTime_;
     // A transfer in pieces under way.
     unsigned long pieceWindow_ = 0;

@@ -25,7 +25,6 @@ public:
     FakeDragSource(const FakeDragSource&) = delete;
     FakeDragSource& operator=(const FakeDragSource&) = delete;
 
-    bool isConnected() const { return display_ != nullptr; }
     // Takes the selection, as a drag source does when its drag begins.
     void takeSelection();
     // Answers whatever has been asked so far.

@@ -2,19 +2,13 @@
 // reduced to their selection.
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QStringList>
 #include <algorithm>
 #include <memory>
 #include <vector>
 
-#include "model/DefaultsStore.h"
-#include "model/Preferences.h"
-#include "platform/qt/QtScheduler.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
-#include "triggers/DragMonitor.h"
-#include "shelf/FakeDisplayEnvironment.h"
 #include "support/EventWaiting.h"
 #include "FakeDragSource.h"
 #include "support/XvfbServer.h"
@@ -91,13 +85,6 @@ TEST_F(X11DesktopProbeTest, FollowsTheDragWhileItsSourceHoldsThePointer) {
     EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseDragged); }));
     ASSERT_TRUE(mouse({QStringLiteral("mouseup"), QStringLiteral("1")}));
     EXPECT_TRUE(waitUntil([&] { return saw(DesktopProbe::Event::leftMouseUp); }));
-}
-
-TEST_F(X11DesktopProbeTest, ShiftIsReadFromTheServer) {
-    ASSERT_TRUE(mouse({QStringLiteral("keydown"), QStringLiteral("shift")}));
-    EXPECT_TRUE(probe->isShiftDown());
-    ASSERT_TRUE(mouse({QStringLiteral("keyup"), QStringLiteral("shift")}));
-    EXPECT_FALSE(probe->isShiftDown());
 }
 
 TEST_F(X11DesktopProbeTest, TypesFromTargetsWhenTheSourceAnswersIt) {
@@ -183,39 +170,6 @@ TEST_F(X11DesktopProbeTest, FrontmostApplicationByDesktopIdAndWindowClass) {
     EXPECT_EQ(names(), "org.kde.dolphin|Files");
     active.set("_GTK_APPLICATION_ID", "org.gnome.Nautilus.desktop");
     EXPECT_EQ(names(), "org.gnome.Nautilus|Files");
-}
-
-// The monitor on the real probe and the application's timers: a drag is reported as soon as its
-// types are known, without waiting for a poll tick.
-TEST_F(X11DesktopProbeTest, MonitorReportsADragAsSoonAsItsTypesAreKnown) {
-    mosswick::QtScheduler scheduler;
-    mosswick::MemoryDefaultsStore store;
-    mosswick::Preferences preferences(store);
-    mosswick::testing::FakeDisplayEnvironment displays;
-    mosswick::DragMonitor monitor(*probe, displays, scheduler, preferences);
-    QStringList reported;
-    monitor.onDragBegan = [&] { reported << QStringLiteral("began"); };
-    monitor.onDragEnded = [&] { reported << QStringLiteral("ended"); };
-    monitor.start();
-
-    std::vector<double> latencies;
-    for (int drag = 0; drag < 5; ++drag) {
-        ASSERT_TRUE(mouse({QStringLiteral("mousedown"), QStringLiteral("1")}));
-        ASSERT_TRUE(mouse({QStringLiteral("mousemove_relative"), QStringLiteral("10"), QStringLiteral("0")}));
-        FakeDragSource source(server.displayName(), FakeDragSource::Style::refusesTargets, {kUriList});
-        QElapsedTimer clock;
-        clock.start();
-        source.takeSelection();
-        ASSERT_TRUE(waitUntil([&] { return monitor.isDragging(); }, 5000, [&] { source.pump(); }));
-        latencies.push_back(static_cast<double>(clock.nsecsElapsed()) / 1e6);
-        ASSERT_TRUE(mouse({QStringLiteral("mouseup"), QStringLiteral("1")}));
-        ASSERT_TRUE(waitUntil([&] { return !monitor.isDragging(); }));
-    }
-    EXPECT_EQ(reported.size(), 10);
-    std::sort(latencies.begin(), latencies.end());
-    RecordProperty("medianMillisecondsFromOwnershipToBegan", std::to_string(latencies[latencies.size() / 2]));
-    // Well under one poll interval: the change itself set things off.
-    EXPECT_LT(latencies[latencies.size() / 2], 1000 * mosswick::DragMonitor::kPollInterval);
 }
 
 }  // namespace

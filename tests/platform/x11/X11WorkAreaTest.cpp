@@ -1,16 +1,10 @@
-// What the panels' struts leave of each monitor: worked out for a table of layouts, and read
-// live from a private X server where the test plays both the panel and the window manager.
+// What the panels' struts leave of each monitor, worked out for a table of layouts. Reading them
+// live, as panels come and go, is shown by the desktop test shelf_workarea.
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WorkArea.h"
-#include "support/EventWaiting.h"
-#include "support/XvfbServer.h"
-
-#include <X11/Xatom.h>
-#include <X11/Xlib.h>
 
 namespace mosswick {
 namespace {
@@ -79,77 +73,6 @@ const Layout kLayouts[] = {
 
 INSTANTIATE_TEST_SUITE_P(Table, X11WorkAreaLayout, ::testing::ValuesIn(kLayouts),
                          [](const ::testing::TestParamInfo<Layout>& row) { return row.param.name; });
-
-// Another client: a panel's window, and the window manager's client list naming it.
-class PanelProgram {
-public:
-    explicit PanelProgram(const QByteArray& displayName) : display_(XOpenDisplay(displayName.constData())) {}
-    ~PanelProgram() {
-        if (display_) XCloseDisplay(display_);
-    }
-
-    bool isConnected() const { return display_ != nullptr; }
-
-    void reserve(const Strut& strut) {
-        if (!window_)
-            window_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 10, 10, 0, 0, 0);
-        const std::vector<long> values(strut.begin(), strut.end());
-        XChangeProperty(display_, window_, XInternAtom(display_, "_NET_WM_STRUT_PARTIAL", False), XA_CARDINAL,
-                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(values.data()), 12);
-        XSync(display_, False);
-    }
-
-    void listClients(bool withPanel) {
-        const long windows[] = {static_cast<long>(window_)};
-        XChangeProperty(display_, DefaultRootWindow(display_),
-                        XInternAtom(display_, "_NET_CLIENT_LIST", False), XA_WINDOW, 32, PropModeReplace,
-                        reinterpret_cast<const unsigned char*>(windows), withPanel ? 1 : 0);
-        XSync(display_, False);
-    }
-
-    QRect root() const {
-        return QRect(0, 0, DisplayWidth(display_, DefaultScreen(display_)),
-                     DisplayHeight(display_, DefaultScreen(display_)));
-    }
-
-private:
-    Display* display_;
-    Window window_ = 0;
-};
-
-TEST(X11WorkAreaLive, FollowsPanelsAsTheyComeChangeAndGo) {
-    testing::XvfbServer server;
-    if (!server.isRunning()) GTEST_SKIP() << server.problem().toStdString();
-    auto connection = X11Connection::open(server.displayName());
-    ASSERT_TRUE(connection);
-    PanelProgram panel(server.displayName());
-    ASSERT_TRUE(panel.isConnected());
-    const QRect root = panel.root();
-
-    X11WorkArea workArea(*connection);
-    int changes = 0;
-    workArea.onChanged = [&] { ++changes; };
-    EXPECT_EQ(workArea.usableArea(root), root);
-
-    const auto lastColumn = static_cast<quint32>(root.width() - 1);
-    panel.reserve(bottomStrut(40, 0, lastColumn));
-    panel.listClients(true);
-    ASSERT_TRUE(testing::waitUntil([&] { return changes == 1; }));
-    EXPECT_EQ(workArea.usableArea(root), root.adjusted(0, 0, 0, -40));
-
-    panel.reserve(bottomStrut(60, 0, lastColumn));
-    ASSERT_TRUE(testing::waitUntil([&] { return changes == 2; }));
-    EXPECT_EQ(workArea.usableArea(root), root.adjusted(0, 0, 0, -60));
-
-    panel.listClients(false);
-    ASSERT_TRUE(testing::waitUntil([&] { return changes == 3; }));
-    EXPECT_EQ(workArea.usableArea(root), root);
-
-    // A property nobody reads changes nothing and costs no notice.
-    panel.listClients(false);
-    testing::keepRunning(100);
-    EXPECT_EQ(changes, 3);
-}
 
 }  // namespace
 }  // namespace mosswick
