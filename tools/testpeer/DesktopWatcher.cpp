@@ -52,6 +52,26 @@ QString clientClass(Display* display, Window window, int depth = 0) {
     return found;
 }
 
+// Whether a top-level window stands at least partly on the root window: a window kept mapped
+// outside it (as a hidden shelf is) is as good as gone for whoever looks at the screen.
+bool onRoot(Display* display, Window root, int x, int y, int width, int height) {
+    Window ignored = None;
+    int rx = 0;
+    int ry = 0;
+    unsigned rw = 0;
+    unsigned rh = 0;
+    unsigned border = 0;
+    unsigned depth = 0;
+    if (!XGetGeometry(display, root, &ignored, &rx, &ry, &rw, &rh, &border, &depth)) return true;
+    return x < static_cast<int>(rw) && y < static_cast<int>(rh) && x + width > 0 && y + height > 0;
+}
+
+bool onRoot(Display* display, Window root, Window window) {
+    XWindowAttributes attributes{};
+    if (!XGetWindowAttributes(display, window, &attributes)) return false;
+    return onRoot(display, root, attributes.x, attributes.y, attributes.width, attributes.height);
+}
+
 }  // namespace
 
 int watchDesktop() {
@@ -75,7 +95,17 @@ int watchDesktop() {
     std::printf("ready\n");
     std::fflush(stdout);
 
-    std::map<Window, QString> classes;  // of the top-level windows seen mapped
+    // The top-level windows seen mapped: their class, and whether they stand on the screen. A
+    // window "comes" when it is mapped on the screen or moves onto it, and "goes" when it is
+    // unmapped or moves off it.
+    struct Seen {
+        QString name;
+        bool shown = false;
+    };
+    std::map<Window, Seen> seen;
+    auto report = [&](const char* kind, Window window, const QString& name, double time) {
+        print({{"event", kind}, {"window", qint64(window)}, {"class", name}, {"time", time}});
+    };
     for (;;) {
         XEvent event;
         XNextEvent(display, &event);
@@ -85,20 +115,30 @@ int watchDesktop() {
             if (notify.owner == None) continue;
             print({{"event", "selection"}, {"owner", qint64(notify.owner)}, {"time", time}});
         } else if (event.type == MapNotify && event.xmap.event == root) {
-            const QString name = clientClass(display, event.xmap.window);
-            classes[event.xmap.window] = name;
-            print({{"event", "map"}, {"window", qint64(event.xmap.window)}, {"class", name}, {"time", time}});
+            Seen& window = seen[event.xmap.window];
+            window.name = clientClass(display, event.xmap.window);
+            window.shown = onRoot(display, root, event.xmap.window);
+            if (window.shown) report("map", event.xmap.window, window.name, time);
+        } else if (event.type == ConfigureNotify && event.xconfigure.event == root) {
+            const auto known = seen.find(event.xconfigure.window);
+            if (known == seen.end()) continue;
+            const XConfigureEvent& c = event.xconfigure;
+            const bool shown = onRoot(display, root, c.x, c.y, c.width, c.height);
+            if (shown == known->second.shown) continue;
+            known->second.shown = shown;
+            report(shown ? "map" : "unmap", c.window, known->second.name, time);
         } else if (event.type == UnmapNotify && event.xunmap.event == root && !event.xunmap.send_event) {
             // (A client withdrawing its window also sends the root a synthetic unmap of it.)
-            const auto known = classes.find(event.xunmap.window);
-            const QString name =
-                known == classes.end() ? clientClass(display, event.xunmap.window) : known->second;
-            print({{"event", "unmap"},
-                   {"window", qint64(event.xunmap.window)},
-                   {"class", name},
-                   {"time", time}});
+            const auto known = seen.find(event.xunmap.window);
+            if (known == seen.end()) {
+                report("unmap", event.xunmap.window, clientClass(display, event.xunmap.window), time);
+                continue;
+            }
+            const bool wasShown = known->second.shown;
+            known->second.shown = false;
+            if (wasShown) report("unmap", event.xunmap.window, known->second.name, time);
         } else if (event.type == DestroyNotify && event.xdestroywindow.event == root) {
-            classes.erase(event.xdestroywindow.window);
+            seen.erase(event.xdestroywindow.window);
         }
     }
 }

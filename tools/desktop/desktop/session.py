@@ -112,6 +112,10 @@ class Session:
             raise DesktopError("dbus-daemon did not report its address")
         self.env["DBUS_SESSION_BUS_ADDRESS"] = address
 
+    def start_compositor(self):
+        """Starts xcompmgr (a case's own, stopped with the case) and waits until it composes."""
+        self._start_compositor()
+
     def _start_compositor(self):
         self.start(["xcompmgr"], name="xcompmgr")
         self.wait_for(lambda: self.screens_seen_by_qt().get("compositor"), 10, "xcompmgr to compose")

@@ -12,11 +12,23 @@ class Windows:
     """Desktop methods that find and inspect windows and read the screen."""
 
     def windows(self, program):
-        """The visible top-level windows of a program (or process id), as X window ids."""
+        """The visible top-level windows of a program (or process id), as X window ids: mapped and
+        standing at least partly on the screen (a window kept mapped outside it is not seen)."""
         pid = program.pid if isinstance(program, Program) else int(program)
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(pid)], env=self.env,
                                capture_output=True, timeout=10)
-        return [int(w) for w in found.stdout.split()]
+        windows = [int(w) for w in found.stdout.split()]
+        if not windows:
+            return []
+        width, height = map(int, self.run(["xdotool", "getdisplaygeometry"]).split())
+
+        def on_screen(window):
+            try:
+                x, y, w, h = self.window_geometry(window)
+            except (DesktopError, KeyError):
+                return False  # gone meanwhile
+            return x < width and y < height and x + w > 0 and y + h > 0
+        return [w for w in windows if on_screen(w)]
 
     def wait_mapped(self, program, timeout=10):
         """Waits until a program (or process id) has a visible window and returns its id."""
