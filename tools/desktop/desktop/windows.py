@@ -20,7 +20,10 @@ class Windows:
         windows = [int(w) for w in found.stdout.split()]
         if not windows:
             return []
-        width, height = map(int, self.run(["xdotool", "getdisplaygeometry"]).split())
+        # The whole root window: xdotool's display geometry is only the first monitor's.
+        root = self.run(["xwininfo", "-root"])
+        width = int(re.search(r"Width: (\d+)", root).group(1))
+        height = int(re.search(r"Height: (\d+)", root).group(1))
 
         def on_screen(window):
             try:
