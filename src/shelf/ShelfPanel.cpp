@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainterPath>
+#include <QScreen>
 #include <QWindow>
 
 #include "interaction/ShelfLayout.h"
@@ -36,16 +37,27 @@ void ShelfPanel::mapAt(const QRect& frame) {
 
 void ShelfPanel::setFrame(const QRect& frame) {
     frame_ = frame;
-    setGeometry(frame);
+    setGeometry(parked_ ? parkingFrame() : frame);
 }
 
+bool ShelfPanel::isShown() const { return isVisible() && !parked_; }
+
 void ShelfPanel::orderFront() {
+    if (parked_) {
+        parked_ = false;
+        confirmingPosition_ = false;
+        setGeometry(frame_);
+        updateTranslucency();
+        raise();
+        return;
+    }
     if (isVisible()) {
         raise();
         return;
     }
     // The window manager forgets these hints whenever the window is withdrawn.
     hints_.keepOffTaskbarOnAllWorkspaces(winId());
+    standsAside_ = hints_.letStandOffScreen(winId());
     updateTranslucency();
     confirmingPosition_ = true;
     show();
@@ -53,20 +65,50 @@ void ShelfPanel::orderFront() {
 
 void ShelfPanel::orderOut() {
     confirmingPosition_ = false;
-    hide();
+    const bool hadFocus = acceptsFocus();
     setAcceptsFocus(false);
+    // Withdrawn, the window hands the focus on to another; standing aside, it would keep it. It is
+    // not withdrawn and mapped again for that: some drag sources keep the list of windows they
+    // made at their first drag, and a window mapped anew is one they never see.
+    if (hadFocus && standsAside_ && isVisible()) hints_.giveUpFocus(winId());
+    // Asked again each time: Qt rewrites the window's type whenever its flags change, and the
+    // window manager follows.
+    standsAside_ = hints_.letStandOffScreen(winId());
+    if (!standsAside_) {
+        hide();
+        return;
+    }
+    parked_ = true;
+    setGeometry(parkingFrame());
+    if (!isVisible()) {
+        hints_.keepOffTaskbarOnAllWorkspaces(winId());
+        updateTranslucency();
+        confirmingPosition_ = true;
+        show();
+    }
+}
+
+QRect ShelfPanel::parkingFrame() const {
+    // Beyond the corner of the whole desktop: outside every monitor, however they are laid out.
+    QRect desktop;
+    for (const QScreen* screen : QGuiApplication::screens()) desktop |= screen->geometry();
+    const QSize size = frame_.isValid() ? frame_.size() : QSize(1, 1);
+    return QRect(
+        QPoint(desktop.left() - size.width() - kParkingGap, desktop.top() - size.height() - kParkingGap),
+        size);
 }
 
 void ShelfPanel::confirmPosition() {
     if (!confirmingPosition_ || !isVisible()) return;
     QWindow* window = windowHandle();
-    if (window->position() == frame_.topLeft()) return;
+    const QRect wanted = parked_ ? parkingFrame() : frame_;
+    if (window->position() == wanted.topLeft()) return;
     // A window manager may report a window it has just taken on at a place it never stood (openbox
     // says 0,0 for one placed and mapped in one go) and stay silent once it stands where asked.
     // Qt keeps believing the report and maps every drop's position with it, so drops would land
     // beside the shelf and be refused. Asking once more for the same frame draws a true report.
     confirmingPosition_ = false;
-    window->setGeometry(frame_);
+    window->setGeometry(wanted);
 }
 
 void ShelfPanel::setAppearance(AppearanceMode mode) {

@@ -79,4 +79,26 @@ bool X11PanelHints::compositorRunning(quintptr window) const {
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
+bool X11PanelHints::letStandOffScreen(quintptr window) {
+    xcb_connection_t* c = connection();
+    if (!c || !window) return false;
+    // openbox leaves a dock wherever it is moved; any other type it pulls back until a tenth of
+    // it shows (a utility window) or onto the screen (a splash).
+    const xcb_atom_t types[] = {atoms_["_NET_WM_WINDOW_TYPE_DOCK"]};
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window),
+                        atoms_["_NET_WM_WINDOW_TYPE"], XCB_ATOM_ATOM, 32, 1, types);
+    xcb_flush(c);
+    return true;
+}
+
+void X11PanelHints::giveUpFocus(quintptr window) {
+    xcb_connection_t* c = connection();
+    if (!c || !window) return;
+    Reply<xcb_get_input_focus_reply_t> focus(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    if (!focus || focus->focus != static_cast<xcb_window_t>(window)) return;
+    // The window manager sees the focus reach the root and gives it to the window it chooses.
+    xcb_set_input_focus(c, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME);
+    xcb_flush(c);
+}
+
 }  // namespace mosswick
