@@ -7,6 +7,7 @@
 #include <QWindow>
 
 #include "interaction/ShelfLayout.h"
+#include "model/Logging.h"
 #include "interaction/ShelfPalette.h"
 #include "shelf/ShelfContentView.h"
 
@@ -43,6 +44,7 @@ void ShelfPanel::setFrame(const QRect& frame) {
 bool ShelfPanel::isShown() const { return isVisible() && !parked_; }
 
 void ShelfPanel::orderFront() {
+    qCDebug(lcShelf) << "panel: front; parked" << parked_ << "mapped" << isVisible();
     if (parked_) {
         parked_ = false;
         confirmingPosition_ = false;
@@ -64,6 +66,7 @@ void ShelfPanel::orderFront() {
 }
 
 void ShelfPanel::orderOut() {
+    qCDebug(lcShelf) << "panel: out; accepts focus" << acceptsFocus() << "mapped" << isVisible();
     confirmingPosition_ = false;
     const bool hadFocus = acceptsFocus();
     setAcceptsFocus(false);
@@ -78,7 +81,9 @@ void ShelfPanel::orderOut() {
         hide();
         return;
     }
+    content_->forgetDrag();
     parked_ = true;
+    parkingAttempts_ = kParkingAttempts;
     setGeometry(parkingFrame());
     if (!isVisible()) {
         hints_.keepOffTaskbarOnAllWorkspaces(winId());
@@ -96,6 +101,29 @@ QRect ShelfPanel::parkingFrame() const {
     return QRect(
         QPoint(desktop.left() - size.width() - kParkingGap, desktop.top() - size.height() - kParkingGap),
         size);
+}
+
+void ShelfPanel::keepParked() {
+    if (!parked_ || !isVisible()) return;
+    QWindow* window = windowHandle();
+    const QRect parking = parkingFrame();
+    if (window->position() == parking.topLeft()) return;
+    // A window manager that took the window for another type when the move reached it (Qt rewrites
+    // the type on every change of flags, as the focus is given up) pulls it back until part of it
+    // shows, where it could be seen and clicked. Told the type again, it lets the window go.
+    if (parkingAttempts_ > 0) {
+        --parkingAttempts_;
+        qCDebug(lcShelf) << "panel: pulled back to" << window->position() << "while parked; asking again";
+        if (hints_.letStandOffScreen(winId())) {
+            window->setGeometry(parking);
+            return;
+        }
+    }
+    // One that insists keeps the window on screen: withdrawn, at least it is really gone.
+    qCDebug(lcShelf) << "panel: kept at" << window->position() << "while parked; withdrawn instead";
+    parked_ = false;
+    standsAside_ = false;
+    hide();
 }
 
 void ShelfPanel::confirmPosition() {
@@ -130,10 +158,14 @@ bool ShelfPanel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == windowHandle()) {
         if (event->type() == QEvent::Expose || event->type() == QEvent::Move) {
             confirmPosition();
+            keepParked();
+        } else if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+            qCDebug(lcShelf) << "panel:" << event->type();
         } else if (event->type() == QEvent::MouseButtonPress && !acceptsFocus()) {
             setAcceptsFocus(true);
         } else if (event->type() == QEvent::KeyPress &&
                    static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            qCDebug(lcShelf) << "panel: Escape";
             emit escapePressed();
             return true;
         }

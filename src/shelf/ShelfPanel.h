@@ -64,6 +64,8 @@ private:
     void setAcceptsFocus(bool accepts);
     // Once after each mapping: makes Qt learn where the window really stands.
     void confirmPosition();
+    // While parked: sends the window back out when the window manager put it elsewhere.
+    void keepParked();
     void updateTranslucency();
     QRect parkingFrame() const;
     void updateMask();
@@ -75,7 +77,11 @@ private:
     bool confirmingPosition_ = false;
     bool standsAside_ = false;
     bool parked_ = false;
+    int parkingAttempts_ = 0;
     static constexpr int kParkingGap = 4000;
+    // Moves of a parked window that may be answered by asking again (intermediate reports of a
+    // slide included) before the window is withdrawn instead.
+    static constexpr int kParkingAttempts = 4;
     AppearanceMode appearance_ = AppearanceMode::system;
 };
 

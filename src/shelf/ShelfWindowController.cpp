@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "model/Logging.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "shelf/ReducedMotion.h"
@@ -51,6 +52,7 @@ void ShelfWindowController::summon() {
 }
 
 void ShelfWindowController::escape() {
+    qCDebug(lcShelf) << "escape";
     cancelPreview();
     presentation_.dismiss();
     applyPresentation(true, 0);
@@ -136,6 +138,8 @@ void ShelfWindowController::applyPresentation(bool animated, double afterDelay) 
 
 void ShelfWindowController::reconcile(bool animated) {
     presentation_.contentChanged(!store_.items().empty(), preferences_.hideWhenEmpty());
+    qCDebug(lcShelf) << "reconcile: wanted" << presentation_.wantsToBeShown() << "shown" << isShown_
+                     << "targeted" << store_.isTargeted();
     if (presentation_.wantsToBeShown()) {
         show(animated);
         return;
