@@ -45,6 +45,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     hotKeys.registerCombo(KeyCombo::load(services_.defaults));
 
     controller.resetToHidden();
+    controller.standBy();
 
     services_.sleepWatch.watchWakes([this] { systemDidWake(); });
 }

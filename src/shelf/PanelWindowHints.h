@@ -15,6 +15,13 @@ public:
     // before every map, on the unmapped window.
     virtual void keepOffTaskbarOnAllWorkspaces(quintptr window) = 0;
     virtual bool compositorRunning(quintptr window) const = 0;
+    // Asks the window manager to leave the window wherever it is moved, outside every screen
+    // included, for as long as it stays mapped; call it on the unmapped window. False where that
+    // cannot be had: the panel is then withdrawn while hidden instead of standing aside.
+    virtual bool letStandOffScreen(quintptr window) = 0;
+    // Hands the keyboard focus on when the window holds it: a window that stays mapped aside
+    // would keep it otherwise.
+    virtual void giveUpFocus(quintptr window) = 0;
 };
 
 // Where no window system can be asked: nothing to set, and a compositor is taken to run (Wayland
@@ -23,6 +30,8 @@ class NoPanelWindowHints final : public PanelWindowHints {
 public:
     void keepOffTaskbarOnAllWorkspaces(quintptr) override {}
     bool compositorRunning(quintptr) const override { return true; }
+    bool letStandOffScreen(quintptr) override { return false; }
+    void giveUpFocus(quintptr) override {}
 };
 
 }  // namespace mosswick

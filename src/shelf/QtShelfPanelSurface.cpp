@@ -36,7 +36,11 @@ QtShelfPanelSurface::~QtShelfPanelSurface() {
     delete panel_.data();
 }
 
-bool QtShelfPanelSurface::isVisible() const { return panel_ && panel_->isVisible(); }
+bool QtShelfPanelSurface::isVisible() const { return panel_ && panel_->isShown(); }
+
+bool QtShelfPanelSurface::standsAside() const {
+    return panel_ && panel_->standsAside() && panel_->isVisible() && !panel_->isShown();
+}
 
 void QtShelfPanelSurface::applyFrame(const ScreenRect& frame) {
     frame_ = frame;

@@ -28,6 +28,7 @@ public:
 
     ScreenRect frame() const override { return frame_; }
     bool isVisible() const override;
+    bool standsAside() const override;
     void setFrame(const ScreenRect& frame) override;
     void setAlpha(double alpha) override;
     void orderFront() override;

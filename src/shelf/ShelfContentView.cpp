@@ -73,10 +73,7 @@ void ShelfContentView::dropEvent(QDropEvent* event) {
     }
 }
 
-void ShelfContentView::hideEvent(QHideEvent*) {
-    // Put away under a hovering drag, the shelf hears no more of it: it must not stay lit.
-    setTargeted(false);
-}
+void ShelfContentView::hideEvent(QHideEvent*) { forgetDrag(); }
 
 void ShelfContentView::setTargeted(bool targeted) {
     if (targeted == isTargeted_) return;

@@ -27,6 +27,10 @@ public:
 
     ShelfView& shelfView() { return *shelfView_; }
 
+    // Put away under a hovering drag, the shelf hears no more of it: it must not stay lit. Hiding
+    // does this by itself; a window kept mapped aside is told.
+    void forgetDrag() { setTargeted(false); }
+
 signals:
     // A drag that the shelf takes came over it (true), or left, ended or dropped (false).
     void targetChanged(bool targeted);

@@ -37,7 +37,15 @@ public:
     QRect frame() const { return frame_; }
     // Maps the panel at its frame (raises it when it is already mapped), without activating it.
     void orderFront();
+    // Takes the panel off the screen. Where the window manager allows it the window stays mapped,
+    // standing outside every monitor: drag sources that list the desktop's windows once, when
+    // their drag begins (Chromium and the programs built on it), never see a window mapped later,
+    // but follow one that moves.
     void orderOut();
+    // Mapped and standing where the controller put it (not aside).
+    bool isShown() const;
+    // Kept mapped outside every monitor while hidden (where the window manager allows it).
+    bool standsAside() const { return standsAside_; }
 
     void setAppearance(AppearanceMode mode);
     AppearanceMode appearance() const { return appearance_; }
@@ -56,7 +64,10 @@ private:
     void setAcceptsFocus(bool accepts);
     // Once after each mapping: makes Qt learn where the window really stands.
     void confirmPosition();
+    // While parked: sends the window back out when the window manager put it elsewhere.
+    void keepParked();
     void updateTranslucency();
+    QRect parkingFrame() const;
     void updateMask();
     void applyPalette();
 
@@ -64,6 +75,13 @@ private:
     PanelWindowHints& hints_;
     QRect frame_;
     bool confirmingPosition_ = false;
+    bool standsAside_ = false;
+    bool parked_ = false;
+    int parkingAttempts_ = 0;
+    static constexpr int kParkingGap = 4000;
+    // Moves of a parked window that may be answered by asking again (intermediate reports of a
+    // slide included) before the window is withdrawn instead.
+    static constexpr int kParkingAttempts = 4;
     AppearanceMode appearance_ = AppearanceMode::system;
 };
 

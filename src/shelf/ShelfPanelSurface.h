@@ -30,6 +30,9 @@ public:
     // not read back from the window system, which may answer stale right after mapping.
     virtual ScreenRect frame() const = 0;
     virtual bool isVisible() const = 0;
+    // Hidden but mapped outside every monitor: it can come in from wherever it is put, as the
+    // window manager leaves it there.
+    virtual bool standsAside() const { return false; }
 
     // Each of these stops a running animation of the property it sets.
     virtual void setFrame(const ScreenRect& frame) = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "model/Logging.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "shelf/ReducedMotion.h"
@@ -51,6 +52,7 @@ void ShelfWindowController::summon() {
 }
 
 void ShelfWindowController::escape() {
+    qCDebug(lcShelf) << "escape";
     cancelPreview();
     presentation_.dismiss();
     applyPresentation(true, 0);
@@ -107,11 +109,19 @@ void ShelfWindowController::anchorToPointerIfAppearing() {
     cursorAnchor_ = ScreenPoint{frame.minX(), frame.maxY()};
 }
 
+void ShelfWindowController::standBy() {
+    if (isShown_ || panel_) return;
+    makePanelIfNeeded();
+    panel_->setFrame(targetFrame(pointerDisplay()));
+    panel_->orderOut();
+}
+
 void ShelfWindowController::rebuildPanel() {
     if (panel_) panel_->orderOut();
     panel_.reset();
     isShown_ = false;
     applyPresentation(false, 0);
+    standBy();
 }
 
 // --- Deciding ----------------------------------------------------------------------------------
@@ -128,6 +138,8 @@ void ShelfWindowController::applyPresentation(bool animated, double afterDelay) 
 
 void ShelfWindowController::reconcile(bool animated) {
     presentation_.contentChanged(!store_.items().empty(), preferences_.hideWhenEmpty());
+    qCDebug(lcShelf) << "reconcile: wanted" << presentation_.wantsToBeShown() << "shown" << isShown_
+                     << "targeted" << store_.isTargeted();
     if (presentation_.wantsToBeShown()) {
         show(animated);
         return;
@@ -167,10 +179,16 @@ void ShelfWindowController::show(bool animated) {
     // A shelf opened at the pointer appears in place: sliding in from the edge would make no sense.
     if (animated && mayAnimate() && !cursorAnchor_) {
         panel_->setAlpha(0);
-        // Mapped at its place first: a window manager pulls a window mapped off-screen back on.
-        panel_->setFrame(frame);
-        panel_->orderFront();
-        panel_->setFrame(frame.offsetBy(outwards(), 0));
+        if (panel_->standsAside()) {
+            // Already mapped: the window manager lets it come in from wherever it is put.
+            panel_->setFrame(frame.offsetBy(outwards(), 0));
+            panel_->orderFront();
+        } else {
+            // Mapped at its place first: a window manager pulls a window mapped off-screen back on.
+            panel_->setFrame(frame);
+            panel_->orderFront();
+            panel_->setFrame(frame.offsetBy(outwards(), 0));
+        }
         panel_->animate({frame, 1.0, kSlideInDuration, AnimationCurve::easeOut}, {});
     } else {
         panel_->setFrame(frame);

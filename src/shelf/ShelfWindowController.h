@@ -76,7 +76,10 @@ public:
     void cancelPreview();
     // Before a drag under the at-pointer trigger: the next show opens beside the pointer.
     void anchorToPointerIfAppearing();
-    // Drops the panel (a new one is made at the next show) and re-applies without animation.
+    // Makes the panel now, if it is not made yet, and puts it away: a panel that exists before a
+    // drag begins is one every drag source can find once it slides in.
+    void standBy();
+    // Makes a new panel and re-applies without animation.
     void rebuildPanel();
 
     // Considered shown from the start of a slide-in until the start of a slide-out.

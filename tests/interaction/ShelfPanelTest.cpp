@@ -1,7 +1,9 @@
 // The shelf's window: how it stands among other windows, the focus, and drags over it.
 #include <gtest/gtest.h>
 
+#include <QGuiApplication>
 #include <QMimeData>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
@@ -27,6 +29,23 @@ public:
     bool takes = true;
     std::vector<QStringList> formats;
     Qt::DropActions actions;
+};
+
+// A window manager that lets windows stand outside the screen, and remembers being asked.
+class AsideWindowHints final : public PanelWindowHints {
+public:
+    void keepOffTaskbarOnAllWorkspaces(quintptr) override { ++taskbarRequests; }
+    bool compositorRunning(quintptr) const override { return true; }
+    bool letStandOffScreen(quintptr) override {
+        ++asideRequests;
+        return allowsAside;
+    }
+    void giveUpFocus(quintptr) override { ++focusGivenUp; }
+
+    bool allowsAside = true;
+    int taskbarRequests = 0;
+    int asideRequests = 0;
+    int focusGivenUp = 0;
 };
 
 class ShelfPanelTest : public testing::ShelfFixture {
@@ -109,6 +128,127 @@ TEST_F(ShelfPanelTest, AClickLetsTheFocusInUntilThePanelGoesAway) {
     EXPECT_FALSE(panel->isVisible());
     EXPECT_FALSE(panel->acceptsFocus());
     EXPECT_TRUE(panel->windowHandle()->flags().testFlag(Qt::WindowDoesNotAcceptFocus));
+}
+
+// --- Standing aside while hidden --------------------------------------------------------------
+
+class ParkedShelfPanelTest : public ShelfPanelTest {
+protected:
+    void SetUp() override {
+        ShelfPanelTest::SetUp();
+        panel = std::make_unique<ShelfPanel>(*store, motion(), hints);
+    }
+
+    static bool onAnyScreen(const QRect& frame) {
+        for (const QScreen* screen : QGuiApplication::screens())
+            if (screen->geometry().intersects(frame)) return true;
+        return false;
+    }
+    QRect windowFrame() const { return panel->windowHandle()->geometry(); }
+
+    AsideWindowHints hints;
+};
+
+TEST_F(ParkedShelfPanelTest, PutAwayTheWindowStaysMappedOutsideEveryScreenAtItsSize) {
+    panel->setFrame(QRect(1200, 300, 196, 320));
+    panel->orderOut();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(panel->isVisible()) << "mapped, so drag sources that list windows once know it";
+    EXPECT_FALSE(panel->isShown());
+    EXPECT_TRUE(panel->standsAside());
+    EXPECT_FALSE(onAnyScreen(windowFrame())) << windowFrame().x() << "," << windowFrame().y();
+    EXPECT_EQ(windowFrame().size(), QSize(196, 320));
+    EXPECT_EQ(panel->frame(), QRect(1200, 300, 196, 320)) << "the frame to come back to";
+    EXPECT_EQ(hints.taskbarRequests, 1);
+    EXPECT_GE(hints.asideRequests, 1);
+
+    // Placing it meanwhile (the controller does before a slide) leaves it where it stands.
+    panel->setFrame(QRect(1000, 200, 196, 320));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(onAnyScreen(windowFrame()));
+}
+
+TEST_F(ParkedShelfPanelTest, BroughtBackItMovesInWithoutBeingMappedAnew) {
+    panel->setFrame(QRect(300, 200, 196, 320));
+    panel->orderOut();
+    panel->orderFront();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(panel->isShown());
+    EXPECT_EQ(windowFrame(), QRect(300, 200, 196, 320));
+    EXPECT_EQ(hints.taskbarRequests, 1) << "hints are only needed for a map";
+
+    panel->orderOut();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_FALSE(onAnyScreen(windowFrame()));
+    EXPECT_EQ(hints.taskbarRequests, 1);
+}
+
+TEST_F(ParkedShelfPanelTest, EachPutAwayAsksAgainToStandAsideAndGivesUpTheFocusItTook) {
+    panel->mapAt(QRect(0, 0, 196, 320));
+    const int asked = hints.asideRequests;
+    panel->orderOut();
+    EXPECT_EQ(hints.asideRequests, asked + 1) << "the type is lost whenever Qt rewrites the flags";
+    EXPECT_EQ(hints.focusGivenUp, 0) << "never clicked, it never had the focus";
+
+    panel->orderFront();
+    QTest::mouseClick(panel->windowHandle(), Qt::LeftButton, {}, QPoint(98, 200));
+    ASSERT_TRUE(panel->acceptsFocus());
+    panel->orderOut();
+    EXPECT_EQ(hints.focusGivenUp, 1);
+    EXPECT_FALSE(panel->acceptsFocus());
+    EXPECT_TRUE(panel->isVisible());
+}
+
+TEST_F(ParkedShelfPanelTest, PulledBackOnScreenItIsSentOutAgainThenWithdrawnIfTheManagerInsists) {
+    panel->setFrame(QRect(300, 200, 196, 320));
+    panel->orderOut();
+    QCoreApplication::processEvents();
+    const QRect parking = windowFrame();
+    const int asked = hints.asideRequests;
+
+    // As a window manager does that still took the window for a utility one: a tenth shows.
+    // (The first report after a map is answered as any false report is, without the type.)
+    for (int pull = 0; pull < 2; ++pull) {
+        panel->windowHandle()->setPosition(-176, -288);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(windowFrame(), parking);
+        EXPECT_TRUE(panel->isVisible());
+    }
+    EXPECT_EQ(hints.asideRequests, asked + 1) << "told the type again with the second";
+
+    for (int i = 0; i < 10 && panel->isVisible(); ++i) {
+        panel->windowHandle()->setPosition(-176, -288);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_FALSE(panel->isVisible()) << "gone for real rather than showing a corner";
+    EXPECT_FALSE(panel->standsAside());
+
+    // And it comes back mapped anew, the hints set again.
+    panel->orderFront();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(panel->isShown());
+    EXPECT_EQ(windowFrame(), QRect(300, 200, 196, 320));
+    EXPECT_EQ(hints.taskbarRequests, 2);
+}
+
+TEST_F(ParkedShelfPanelTest, WhereItCannotStandAsideItIsWithdrawn) {
+    hints.allowsAside = false;
+    panel->mapAt(QRect(0, 0, 196, 320));
+    panel->orderOut();
+    EXPECT_FALSE(panel->isVisible());
+    EXPECT_FALSE(panel->standsAside());
+}
+
+TEST_F(ParkedShelfPanelTest, PutAwayUnderAHoveringDragItDoesNotStayLit) {
+    panel->contentView().setDropHandler(&handler);
+    panel->mapAt(QRect(0, 0, 196, 320));
+    std::unique_ptr<QMimeData> data(files());
+    ASSERT_TRUE(enter(*data));
+    panel->orderOut();
+    ASSERT_TRUE(panel->isVisible());
+    EXPECT_FALSE(store->isTargeted());
+    EXPECT_FALSE(panel->shelfView().dropHighlight().isLit());
 }
 
 TEST_F(ShelfPanelTest, TakesTheAppearanceItIsGiven) {

@@ -33,6 +33,7 @@ void FakeShelfPanel::orderFront() {
 
 void FakeShelfPanel::orderOut() {
     visible_ = false;
+    putAway_ = true;
     log("out");
 }
 

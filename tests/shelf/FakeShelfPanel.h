@@ -14,12 +14,16 @@ class FakeShelfPanel final : public ShelfPanelSurface {
 public:
     ScreenRect frame() const override { return frame_; }
     bool isVisible() const override { return visible_; }
+    // Hidden, it stands aside when the window manager in the test allows it.
+    bool standsAside() const override { return allowsAside && !visible_ && putAway_; }
     void setFrame(const ScreenRect& frame) override;
     void setAlpha(double alpha) override;
     void orderFront() override;
     void orderOut() override;
     void animate(const PanelAnimation& animation, std::function<void()> completion) override;
     void setAppearance(AppearanceMode mode) override { appearance_ = mode; }
+
+    bool allowsAside = false;
 
     double alpha() const { return alpha_; }
     AppearanceMode appearance() const { return appearance_; }
@@ -45,6 +49,7 @@ private:
     ScreenRect frame_;
     double alpha_ = 1;
     bool visible_ = false;
+    bool putAway_ = false;
     AppearanceMode appearance_ = AppearanceMode::system;
     std::vector<Running> running_;
     std::vector<std::string> log_;

@@ -298,8 +298,59 @@ TEST_F(ShelfWindowControllerTest, RebuildingDropsThePanelAndShowsAFreshOneAtOnce
 
     controller->escape();
     controller->rebuildPanel();
-    EXPECT_EQ(panelsMade, 2);
-    EXPECT_EQ(controller->panel(), nullptr);
+    EXPECT_EQ(panelsMade, 3) << "a hidden shelf is rebuilt too, to stand by for the next drag";
+    ASSERT_NE(controller->panel(), nullptr);
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "out"));
+}
+
+// --- Standing by before the first drag ---------------------------------------------------------
+
+TEST_F(ShelfWindowControllerTest, StandingByMakesThePanelPutAwayAtTheFrameItWillTake) {
+    controller->resetToHidden();
+    controller->standBy();
+    ASSERT_EQ(panelsMade, 1);
+    EXPECT_FALSE(controller->isShown());
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "out"));
+
+    controller->standBy();
+    EXPECT_EQ(panelsMade, 1);
+    EXPECT_THAT(log(), IsEmpty()) << "once made, the panel is left as it is";
+}
+
+TEST_F(ShelfWindowControllerTest, StandingByLeavesAShownShelfAlone) {
+    controller->summon();
+    log();
+    controller->standBy();
+    EXPECT_EQ(panelsMade, 1);
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_THAT(log(), IsEmpty());
+}
+
+TEST_F(ShelfWindowControllerTest, APanelStandingAsideSlidesInFromBeyondTheEdgeWithoutAStopInPlace) {
+    controller->standBy();
+    panel->allowsAside = true;
+    log();
+    controller->dragBegan();
+    EXPECT_EQ(panelsMade, 1) << "the drag finds the panel made before it";
+    EXPECT_THAT(log(), ElementsAre("alpha 0", "frame 1452,46 196x144", "front", kSlideIn));
+
+    panel->finishAnimations();
+    endDragAndWait();
+    panel->finishAnimations();
+    log();
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("alpha 0", "frame 1452,46 196x144", "front", kSlideIn))
+        << "and again after the slide out";
+}
+
+TEST_F(ShelfWindowControllerTest, APanelStandingAsideIsPlacedAtOnceWhenMotionIsReduced) {
+    desktopMotion.reduces = true;
+    controller->standBy();
+    panel->allowsAside = true;
+    log();
+    controller->dragBegan();
+    EXPECT_THAT(log(), ElementsAre("frame 1238,46 196x144", "alpha 1", "front"));
 }
 
 TEST_F(ShelfWindowControllerTest, PendingWorkDiesWithTheController) {

@@ -79,4 +79,39 @@ bool X11PanelHints::compositorRunning(quintptr window) const {
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
+bool X11PanelHints::letStandOffScreen(quintptr window) {
+    xcb_connection_t* c = connection();
+    if (!c || !window) return false;
+    // openbox leaves a dock wherever it is moved; any other type it pulls back until a tenth of
+    // it shows (a utility window) or onto the screen (a splash).
+    const auto id = static_cast<xcb_window_t>(window);
+    const xcb_atom_t types[] = {atoms_["_NET_WM_WINDOW_TYPE_DOCK"]};
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, id, atoms_["_NET_WM_WINDOW_TYPE"], XCB_ATOM_ATOM, 32, 1,
+                        types);
+    // openbox reads a mapped window's type again only when its Motif hints change, and Qt's own
+    // rewrite of both (at every change of flags) may have been read before the dock type was
+    // written: the hints are written again, unchanged, so the dock type is what it reads last.
+    const xcb_atom_t motif = atoms_["_MOTIF_WM_HINTS"];
+    Reply<xcb_get_property_reply_t> hints(xcb_get_property_reply(
+        c, xcb_get_property(c, 0, id, motif, XCB_GET_PROPERTY_TYPE_ANY, 0, 16), nullptr));
+    if (hints && hints->type != XCB_ATOM_NONE) {
+        xcb_change_property(
+            c, XCB_PROP_MODE_REPLACE, id, motif, hints->type, hints->format,
+            static_cast<uint32_t>(xcb_get_property_value_length(hints.get()) / (hints->format / 8)),
+            xcb_get_property_value(hints.get()));
+    }
+    xcb_flush(c);
+    return true;
+}
+
+void X11PanelHints::giveUpFocus(quintptr window) {
+    xcb_connection_t* c = connection();
+    if (!c || !window) return;
+    Reply<xcb_get_input_focus_reply_t> focus(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    if (!focus || focus->focus != static_cast<xcb_window_t>(window)) return;
+    // The window manager sees the focus reach the root and gives it to the window it chooses.
+    xcb_set_input_focus(c, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME);
+    xcb_flush(c);
+}
+
 }  // namespace mosswick

@@ -16,6 +16,8 @@ public:
 
     void keepOffTaskbarOnAllWorkspaces(quintptr window) override;
     bool compositorRunning(quintptr window) const override;
+    bool letStandOffScreen(quintptr window) override;
+    void giveUpFocus(quintptr window) override;
 
 private:
     X11Atoms& atoms_;
