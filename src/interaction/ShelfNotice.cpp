@@ -13,9 +13,11 @@ QString text(ShelfStore::Notice notice, const QString& detail) {
         case ShelfStore::Notice::cannotSave:
             return detail.isEmpty() ? QStringLiteral("Mosswick can't save the shelf. It keeps trying.")
                                     : QStringLiteral("Mosswick can't save the shelf (%1). It keeps trying.")
-                                          .arg(detail.section(QLatin1String(": "), -1));
+                                          .arg(reasonIn(detail));
     }
     return {};
 }
+
+QString reasonIn(const QString& error) { return error.section(QLatin1String(": "), -1); }
 
 }  // namespace mosswick::ShelfNotice

@@ -12,5 +12,9 @@ namespace ShelfNotice {
 
 QString text(ShelfStore::Notice notice, const QString& detail);
 
+// The system's own words at the end of a file operation's error ("write /path: No space left on
+// device" gives "No space left on device"), which is what the user can act on.
+QString reasonIn(const QString& error);
+
 }  // namespace ShelfNotice
 }  // namespace mosswick

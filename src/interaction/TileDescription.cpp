@@ -3,6 +3,8 @@
 #include <QLocale>
 #include <algorithm>
 
+#include "interaction/ShelfNotice.h"
+
 namespace mosswick {
 
 namespace {
@@ -67,8 +69,8 @@ TileDescription TileDescription::of(const ShelfTile& tile, const OriginCheck& is
     for (const ShelfItem& item : tile.items) {
         if (item.copyProblem.isEmpty()) continue;
         d.isCopyMissing = true;
-        tip << QString::fromUtf8(kNoCopy) + QStringLiteral(" (") +
-                   item.copyProblem.section(QLatin1String(": "), -1) + QLatin1Char(')');
+        tip << QString::fromUtf8(kNoCopy) + QStringLiteral(" (") + ShelfNotice::reasonIn(item.copyProblem) +
+                   QLatin1Char(')');
         if (!d.isStack()) d.detail = QStringLiteral("No copy kept");
         break;
     }

@@ -57,9 +57,13 @@ void ShelfPanel::orderFront() {
         raise();
         return;
     }
+    standsAside_ = hints_.letStandOffScreen(winId());
+    map();
+}
+
+void ShelfPanel::map() {
     // The window manager forgets these hints whenever the window is withdrawn.
     hints_.keepOffTaskbarOnAllWorkspaces(winId());
-    standsAside_ = hints_.letStandOffScreen(winId());
     updateTranslucency();
     confirmingPosition_ = true;
     show();
@@ -85,12 +89,7 @@ void ShelfPanel::orderOut() {
     parked_ = true;
     parkingAttempts_ = kParkingAttempts;
     setGeometry(parkingFrame());
-    if (!isVisible()) {
-        hints_.keepOffTaskbarOnAllWorkspaces(winId());
-        updateTranslucency();
-        confirmingPosition_ = true;
-        show();
-    }
+    if (!isVisible()) map();
 }
 
 QRect ShelfPanel::parkingFrame() const {

@@ -62,6 +62,8 @@ protected:
 
 private:
     void setAcceptsFocus(bool accepts);
+    // Maps the withdrawn window with the hints it needs, wherever its geometry says.
+    void map();
     // Once after each mapping: makes Qt learn where the window really stands.
     void confirmPosition();
     // While parked: sends the window back out when the window manager put it elsewhere.
