@@ -217,6 +217,21 @@ def promised_file(d):
 
 
 @cases.case
+def promised_file_written_slowly(d):
+    # The source answers as it creates the file, then writes it in pieces for about a second, as
+    # a browser does with an image: the item is measured once the file is complete. Its name
+    # tells no type, so the type read from an empty file would differ too.
+    drops = Drops(d, summon=True)
+    body = "".join(f"line {n}\n" for n in range(600)).encode()
+    drops.drag("--promise", "notes", "--promise-data", body, "--write-in-pieces", "6", "--piece-delay-ms", "200")
+    [item] = drops.landed(1)
+    assert read_bytes(drops.staged_in_own_folder(item, b"notes")) == body
+    assert (item["byteSize"], item["contentTypeIdentifier"]) == (len(body), "text/plain"), item
+    drops.stop()
+    print("ok: a promised file written slowly is measured once complete")
+
+
+@cases.case
 def file_from_xarchiver(d):
     drops = Drops(d)
     archive = d.start_xarchiver({"inside.txt": b"from the archive\n"})

@@ -22,6 +22,11 @@ namespace mosswick {
 // "S", or "F" (then, where it offers application/octet-stream, the receiver writes those bytes
 // itself) or "E". A source that is slow, dead or silent never holds up the main thread: the
 // answer is awaited here, for a while, after which a file that did arrive is still taken.
+//
+// Some sources (browsers) answer "S" as they begin to write: the file is handed on only once it
+// is complete, that is once nobody holds it open for writing any more (watched with inotify, so
+// nothing wakes while nothing arrives), or where that cannot be told, once it has stopped changing
+// for a moment.
 class X11DirectSaveWorker {
 public:
     struct Exchange {
@@ -35,6 +40,10 @@ public:
     };
 
     // Null when the display cannot be reached.
+    // How long a file that cannot be told to be complete has to stay unchanged to count as
+    // complete, and how long a source may take to write the file it said it saved.
+    static constexpr std::chrono::milliseconds kSettleTime{800};
+
     static std::shared_ptr<X11DirectSaveWorker> start(const QByteArray& displayName,
                                                       std::chrono::milliseconds answerTimeout);
     ~X11DirectSaveWorker();
@@ -62,6 +71,11 @@ private:
     void handle(const void* event);
     QByteArray takeProperty(quint32 window, quint32 property, quint32* type);
     void settleDue();
+    void readFileEvents();
+    // Hands the finished exchanges on; called without the lock.
+    void finish(std::vector<std::pair<std::unique_ptr<Pending>, FilePromise::Delivery>>& finished);
+    // Ends the exchange's watch of its folder; with the lock held.
+    void unwatch(Pending& pending);
     std::optional<FilePromise::Delivery> settle(Pending& pending, bool dueNow);
     int msUntilNextDeadline();
     void wake();
@@ -79,6 +93,7 @@ private:
     QByteArray host_;
     int wakeRead_ = -1;
     int wakeWrite_ = -1;
+    int fileEvents_ = -1;  // inotify, watching the folders of files still being written
 
     std::mutex mutex_;
     std::map<quint32, std::unique_ptr<Pending>> pending_;  // by the requesting window
