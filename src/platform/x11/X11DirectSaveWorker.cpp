@@ -387,7 +387,8 @@ std::optional<FilePromise::Delivery> X11DirectSaveWorker::settle(Pending& pendin
             const auto file = PromiseFolder::arrivedFile(destination.folder, destination.fileName);
             if (!file) {
                 if (!dueNow && pending.watch >= 0) {
-                    pending.patience = kSettleTime;
+                    // Some sources only make the file once they have begun to fetch it.
+                    pending.patience = answerTimeout_;
                     pending.deadline = Clock::now() + pending.patience;
                     return std::nullopt;
                 }

@@ -39,11 +39,12 @@ public:
         std::function<void(const FilePromise::Delivery&)> done;
     };
 
-    // Null when the display cannot be reached.
-    // How long a file that cannot be told to be complete has to stay unchanged to count as
-    // complete, and how long a source may take to write the file it said it saved.
+    // How long a file that cannot be told complete (no lease on its file system) has to stay
+    // unchanged to count as complete. A file still open for writing, or not there yet after "S",
+    // is waited for as long as a source's answer, counted from the folder's last change.
     static constexpr std::chrono::milliseconds kSettleTime{800};
 
+    // Null when the display cannot be reached.
     static std::shared_ptr<X11DirectSaveWorker> start(const QByteArray& displayName,
                                                       std::chrono::milliseconds answerTimeout);
     ~X11DirectSaveWorker();

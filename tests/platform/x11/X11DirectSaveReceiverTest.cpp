@@ -149,7 +149,22 @@ TEST_F(X11DirectSaveReceiverTest, AFileAnsweredForBeforeItIsWrittenIsHandedOnOnc
     ASSERT_TRUE(delivery->file) << delivery->problem.toStdString();
     EXPECT_EQ(whenDelivered, "\x89PNG first half, second half");
 
-    // A source that says it saved a file that never comes is not waited for long.
+    // A file made only after the answer is still taken.
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    FakeDirectSaveSource late(server.displayName(), Answer::saves, "late.png");
+    auto latePromise = receiver->promiseFor({late.window(), late.startDrag(), false});
+    delivery.reset();
+    latePromise->receive({folder, "proposed.txt"},
+                         [&](const FilePromise::Delivery& answer) { delivery = answer; });
+    testing::keepRunning(150, [&] { late.pump(); });
+    ASSERT_FALSE(delivery) << "gave up before the file came";
+    testing::writeFile(folder / "proposed.txt", "made late");
+    ASSERT_TRUE(testing::waitUntil([&] { return delivery.has_value(); }, 5000, [&] { late.pump(); }));
+    ASSERT_TRUE(delivery->file) << delivery->problem.toStdString();
+    EXPECT_EQ(readFile(*delivery->file), "made late");
+
+    // One that never comes is given up on once the source has had as long as for an answer.
     FakeDirectSaveSource boasting(server.displayName(), Answer::saves, "nothing.png");
     fs::remove_all(folder);
     fs::create_directories(folder);
