@@ -123,7 +123,8 @@ X11DirectSaveWorker::X11DirectSaveWorker(xcb_connection_t* connection,
         wakeWrite_ = fds[1];
     }
     fileEvents_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (fileEvents_ < 0) qCInfo(lcIngest) << "No inotify: promised files are taken once they stop changing";
+    if (fileEvents_ < 0)
+        qCInfo(lcIngest) << "No inotify: a promised file is taken as soon as its source answers";
 }
 
 X11DirectSaveWorker::~X11DirectSaveWorker() {
