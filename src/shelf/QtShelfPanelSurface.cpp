@@ -2,6 +2,7 @@
 
 #include <QEasingCurve>
 #include <QVariantAnimation>
+#include <algorithm>
 #include <cmath>
 
 #include "shelf/ScreenCoordinates.h"
@@ -11,6 +12,9 @@
 namespace mosswick {
 
 namespace {
+// Qt's animation timer ticks this often.
+constexpr int kFirstFrame = 16;
+
 double mix(double from, double to, double progress) { return from + (to - from) * progress; }
 
 ScreenRect mix(const ScreenRect& from, const ScreenRect& to, double progress) {
@@ -101,6 +105,10 @@ void QtShelfPanelSurface::animate(const PanelAnimation& target, std::function<vo
                 if (completion) completion();
             });
     animation->start();
+    // The animation's own first frame would come a tick later and only repeat where the panel
+    // stands: show the second at once instead. A shelf sliding in from beyond the edge reaches the
+    // screen a frame sooner, while the drag that called it is only beginning.
+    animation->setCurrentTime(std::min(kFirstFrame, animation->duration()));
 }
 
 }  // namespace mosswick

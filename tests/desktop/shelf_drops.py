@@ -1,8 +1,9 @@
 """What another application drops on the shelf lands on it and on disk: files (one, whose name is
 not UTF-8; several at once, one batch and one stack), a folder, a link with its title, an image,
-text, and files promised over X Direct Save by the peer and by xarchiver. Each is checked in
-shelf.json (saved 0.4 s after a change) and byte for byte in its staged copy, in a folder of its
-own. A compositor runs, so the screenshots show the shelf's rounded, see-through corners.
+text, and files promised over X Direct Save by the peer (one written slowly after the answer, as
+browsers do) and by xarchiver. Each is checked in shelf.json (saved 0.4 s after a change) and
+byte for byte in its staged copy, in a folder of its own. A compositor runs, so the screenshots
+show the shelf's rounded, see-through corners.
 
 Each case starts a Mosswick of its own with an empty shelf and data folder, on one shared
 desktop; `shelf_drops.py CASE…` runs the named cases alone.
@@ -214,6 +215,22 @@ def promised_file(d):
     assert read_bytes(drops.staged_in_own_folder(item, b"report.csv")) == body.encode()
     drops.stop()
     print("ok: a file promised over X Direct Save arrives in the item's own folder")
+
+
+@cases.case
+def promised_file_written_slowly(d):
+    # The source answers as it creates the file, then writes it in pieces for about a second, as
+    # a browser does with an image: the item is measured once the file is complete. Its name
+    # tells no type, so the type read from an empty file would differ too.
+    drops = Drops(d, summon=True)
+    body = "".join(f"line {n}\n" for n in range(600)).encode()
+    drops.drag("--promise", "notes", "--promise-data", body, "--write-in-pieces", "6", "--piece-delay-ms", "200")
+    [item] = drops.landed(1)
+    assert read_bytes(drops.staged_in_own_folder(item, b"notes")) == body
+    assert (item["byteSize"], item["contentTypeIdentifier"]) == (len(body), "text/plain"), item
+    d.screenshot("written-slowly")  # the tile tells the size from the same item
+    drops.stop()
+    print("ok: a promised file written slowly is measured once complete")
 
 
 @cases.case

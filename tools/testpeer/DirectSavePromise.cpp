@@ -48,10 +48,24 @@ QByteArray DirectSavePromise::keep() {
         QTimer::singleShot(static_cast<int>(terms_.lateSeconds * 1000), &wait, &QEventLoop::quit);
         wait.exec();
     }
+    if (terms_.pieces > 1) {
+        // Like a browser: the file is made, the answer given, and the bytes follow.
+        writer_ = std::make_unique<PieceWriter>(*path, terms_.data, terms_.pieces, terms_.pieceDelayMs);
+        if (!writer_->problem().empty()) return answer("E", QString::fromStdString(writer_->problem()));
+        outcome_[QStringLiteral("written")] = QString::fromLatin1(LocalPath::toUrl(*path).toEncoded());
+        return answer("S");
+    }
     if (const std::string error = AtomicFile::write(*path, terms_.data, 0644); !error.empty())
         return answer("E", QString::fromStdString(error));
     outcome_[QStringLiteral("written")] = QString::fromLatin1(LocalPath::toUrl(*path).toEncoded());
     return answer("S");
+}
+
+void DirectSavePromise::whenWritten(std::function<void()> then) {
+    if (writer_)
+        writer_->whenFinished(std::move(then));
+    else if (then)
+        then();
 }
 
 QByteArray DirectSavePromise::answer(const QByteArray& reply, const QString& error) {

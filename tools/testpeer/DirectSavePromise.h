@@ -2,8 +2,11 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <functional>
+#include <memory>
 #include <optional>
 
+#include "PieceWriter.h"
 #include "XcbCalls.h"
 
 namespace mosswick::testpeer {
@@ -19,6 +22,8 @@ public:
         std::optional<char> failure;
         double lateSeconds = 0;
         std::optional<QByteArray> ownName;  // written under this name, whatever the target asked
+        int pieces = 1;                     // more: answered at once, then written slowly
+        int pieceDelayMs = 0;
     };
 
     explicit DirectSavePromise(Terms terms) : terms_(std::move(terms)) {}
@@ -29,6 +34,8 @@ public:
     QByteArray keep();
     // What happened to the last request: the URI read, the reply, the file written or the error.
     const QJsonObject& outcome() const { return outcome_; }
+    // Runs `then` once a file written in pieces is complete (at once without one).
+    void whenWritten(std::function<void()> then);
 
 private:
     QByteArray answer(const QByteArray& reply, const QString& error = {});
@@ -36,6 +43,7 @@ private:
     Terms terms_;
     XcbCalls::Window window_ = 0;
     QJsonObject outcome_;
+    std::unique_ptr<PieceWriter> writer_;
 };
 
 }  // namespace mosswick::testpeer

@@ -21,8 +21,9 @@ QList<std::pair<QByteArray, QByteArray>> servedAsIs(const Payload& payload) {
 
 std::optional<DirectSavePromise::Terms> promiseTerms(const PeerOptions& options) {
     if (!options.promiseName) return std::nullopt;
-    return DirectSavePromise::Terms{*options.promiseName, options.promiseData, options.promiseFailure,
-                                    options.promiseLateSeconds, options.promiseOwnName};
+    return DirectSavePromise::Terms{
+        *options.promiseName,   options.promiseData,   options.promiseFailure,     options.promiseLateSeconds,
+        options.promiseOwnName, options.promisePieces, options.promisePieceDelayMs};
 }
 
 }  // namespace
@@ -97,7 +98,13 @@ void DragSourceWindow::report() {
     if (finished) entry[QStringLiteral("target_window")] = static_cast<qint64>(finished->target);
     if (promise_ && !promise_->outcome().isEmpty()) entry[QStringLiteral("promise")] = promise_->outcome();
     report_.append(entry);
-    if (!options_.stay) QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    if (options_.stay) return;
+    // A file still being written is finished first.
+    const auto quit = [] { QTimer::singleShot(0, qApp, &QCoreApplication::quit); };
+    if (promise_)
+        promise_->whenWritten(quit);
+    else
+        quit();
 }
 
 }  // namespace mosswick::testpeer

@@ -144,6 +144,8 @@ const std::map<QByteArray, Option>& options() {
           }}},
         {"--late", seconds(&O::promiseLateSeconds)},
         {"--own-name", bytes(&O::promiseOwnName)},
+        {"--write-in-pieces", count(&O::promisePieces, 1)},
+        {"--piece-delay-ms", count(&O::promisePieceDelayMs, 0)},
         {"--actions",
          {1,
           [](O& o, const QList<QByteArray>& v) {
@@ -232,6 +234,7 @@ QString peerUsage() {
         "          [--link-uri-list]  --image PNG  --text TEXT  --html HTML  --rtf RTF\n"
         "Promise:  --promise NAME [--promise-type MIME] [--promise-data BYTES] [--octet-stream]\n"
         "          [--fail E|F] [--late SECONDS] [--own-name NAME]\n"
+        "          [--write-in-pieces N --piece-delay-ms MS]  (answers, then writes slowly)\n"
         "Source:   --actions copy,move,link  --finish-timeout SECONDS\n"
         "Target:   --accept copy|move|link|ignore  --promise-folder DIR  --timeout SECONDS\n"
         "Strut:    --edge top|bottom|left|right  --size PIXELS  --screen N\n"

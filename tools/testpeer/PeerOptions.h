@@ -42,6 +42,8 @@ struct PeerOptions {
     std::optional<char> promiseFailure;  // 'E' or 'F'
     double promiseLateSeconds = 0;
     std::optional<QByteArray> promiseOwnName;
+    int promisePieces = 1;  // more: answered at once, then written slowly in that many pieces
+    int promisePieceDelayMs = 0;
 
     // Drag source behaviour.
     QString actions = QStringLiteral("copy,move,link");

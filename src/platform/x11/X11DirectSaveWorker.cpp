@@ -2,7 +2,13 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <set>
 
 #include <QUrl>
 #include <algorithm>
@@ -39,6 +45,32 @@ QByteArray hostName() {
 
 FilePromise::Delivery problem(const char* text) { return {std::nullopt, QString::fromUtf8(text)}; }
 
+enum class Writers { none, some, unknown };
+
+// Whether any process holds the file open for writing: the kernel grants a read lease exactly when
+// none does. The lease is let go at once; a writer opening the file meanwhile waits that long.
+Writers writersOf(const std::filesystem::path& file) {
+    const int fd = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (fd < 0) return Writers::unknown;
+    // Breaking a lease signals its holder, by default with SIGIO, which would end Mosswick; SIGURG
+    // is ignored unless handled.
+    ::fcntl(fd, F_SETSIG, SIGURG);
+    Writers writers = Writers::unknown;
+    if (::fcntl(fd, F_SETLEASE, F_RDLCK) == 0) {
+        writers = Writers::none;
+        ::fcntl(fd, F_SETLEASE, F_UNLCK);
+    } else if (errno == EAGAIN) {
+        writers = Writers::some;
+    }
+    ::close(fd);
+    return writers;
+}
+
+bool isRegularFile(const std::filesystem::path& file) {
+    struct stat info {};
+    return ::stat(file.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+}
+
 }  // namespace
 
 struct X11DirectSaveWorker::Pending {
@@ -51,6 +83,9 @@ struct X11DirectSaveWorker::Pending {
     QByteArray bytes;
     Clock::time_point deadline;
     bool sourceGone = false;
+    // After "S": the inotify watch of the folder, and how long to wait after its last change.
+    int watch = -1;
+    std::chrono::milliseconds patience{0};
 };
 
 std::shared_ptr<X11DirectSaveWorker> X11DirectSaveWorker::start(const QByteArray& displayName,
@@ -87,12 +122,16 @@ X11DirectSaveWorker::X11DirectSaveWorker(xcb_connection_t* connection,
         wakeRead_ = fds[0];
         wakeWrite_ = fds[1];
     }
+    fileEvents_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (fileEvents_ < 0)
+        qCInfo(lcIngest) << "No inotify: a promised file is taken as soon as its source answers";
 }
 
 X11DirectSaveWorker::~X11DirectSaveWorker() {
     stop();
     if (wakeRead_ >= 0) ::close(wakeRead_);
     if (wakeWrite_ >= 0) ::close(wakeWrite_);
+    if (fileEvents_ >= 0) ::close(fileEvents_);
     xcb_disconnect(connection_);
 }
 
@@ -180,13 +219,14 @@ void X11DirectSaveWorker::run() {
             return;
         }
         settleDue();
-        pollfd fds[2] = {{connectionFd, POLLIN, 0}, {wakeRead_, POLLIN, 0}};
-        ::poll(fds, 2, msUntilNextDeadline());
+        pollfd fds[3] = {{connectionFd, POLLIN, 0}, {wakeRead_, POLLIN, 0}, {fileEvents_, POLLIN, 0}};
+        ::poll(fds, fileEvents_ >= 0 ? 3 : 2, msUntilNextDeadline());
         if (fds[1].revents & POLLIN) {
             char drain[64];
             while (::read(wakeRead_, drain, sizeof drain) > 0) {
             }
         }
+        if (fileEvents_ >= 0 && (fds[2].revents & POLLIN)) readFileEvents();
     }
 }
 
@@ -219,6 +259,7 @@ void X11DirectSaveWorker::handle(const void* generic) {
             auto found = pending_.find(window);
             if (found == pending_.end()) return;
             if (auto delivery = settle(*found->second, false)) {
+                unwatch(*found->second);
                 finished.emplace_back(std::move(found->second), *delivery);
                 pending_.erase(found);
                 xcb_destroy_window(connection_, window);
@@ -280,16 +321,94 @@ void X11DirectSaveWorker::handle(const void* generic) {
         }
         if (!finished.empty()) xcb_flush(connection_);
     }
+    finish(finished);
+}
+
+void X11DirectSaveWorker::finish(
+    std::vector<std::pair<std::unique_ptr<Pending>, FilePromise::Delivery>>& finished) {
     for (auto& [pending, delivery] : finished) pending->exchange.done(delivery);
+    finished.clear();
+}
+
+void X11DirectSaveWorker::unwatch(Pending& pending) {
+    if (pending.watch < 0) return;
+    ::inotify_rm_watch(fileEvents_, pending.watch);
+    pending.watch = -1;
+}
+
+void X11DirectSaveWorker::readFileEvents() {
+    std::set<int> changed;
+    std::set<int> closed;  // a writer closed a file, or one appeared whole
+    alignas(inotify_event) char buffer[4096];
+    ssize_t length = 0;
+    while ((length = ::read(fileEvents_, buffer, sizeof buffer)) > 0) {
+        for (const char* at = buffer; at < buffer + length;) {
+            const auto* event = reinterpret_cast<const inotify_event*>(at);
+            changed.insert(event->wd);
+            if (event->mask & (IN_CLOSE_WRITE | IN_MOVED_TO)) closed.insert(event->wd);
+            at += sizeof(inotify_event) + event->len;
+        }
+    }
+    std::vector<std::pair<std::unique_ptr<Pending>, FilePromise::Delivery>> finished;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto now = Clock::now();
+        for (auto it = pending_.begin(); it != pending_.end();) {
+            Pending& pending = *it->second;
+            std::optional<FilePromise::Delivery> delivery;
+            if (pending.watch >= 0 && changed.count(pending.watch)) {
+                pending.deadline = now + pending.patience;
+                // Each write is only noted; whether the file is complete is asked when one closes.
+                if (closed.count(pending.watch)) delivery = settle(pending, false);
+            }
+            if (!delivery) {
+                ++it;
+                continue;
+            }
+            unwatch(pending);
+            xcb_destroy_window(connection_, it->first);
+            finished.emplace_back(std::move(it->second), *delivery);
+            it = pending_.erase(it);
+        }
+        if (!finished.empty()) xcb_flush(connection_);
+    }
+    finish(finished);
 }
 
 std::optional<FilePromise::Delivery> X11DirectSaveWorker::settle(Pending& pending, bool dueNow) {
     const FilePromise::Destination& destination = pending.exchange.destination;
     switch (pending.answer) {
-        case Pending::Answer::saved:
-            if (auto file = PromiseFolder::arrivedFile(destination.folder, destination.fileName))
+        case Pending::Answer::saved: {
+            if (pending.watch < 0 && fileEvents_ >= 0 && !dueNow) {
+                // Before anything is looked at, so that no close goes unseen.
+                pending.watch = ::inotify_add_watch(
+                    fileEvents_, destination.folder.c_str(),
+                    IN_CLOSE_WRITE | IN_MODIFY | IN_CREATE | IN_MOVED_TO | IN_DELETE | IN_ONLYDIR);
+            }
+            const auto file = PromiseFolder::arrivedFile(destination.folder, destination.fileName);
+            if (!file) {
+                if (!dueNow && pending.watch >= 0) {
+                    // Some sources only make the file once they have begun to fetch it.
+                    pending.patience = answerTimeout_;
+                    pending.deadline = Clock::now() + pending.patience;
+                    return std::nullopt;
+                }
+                return problem("the drag source said it saved the file, but none arrived");
+            }
+            // A folder (an archive's directory) is written before the answer.
+            const Writers writers = isRegularFile(*file) ? writersOf(*file) : Writers::none;
+            if (writers == Writers::none || pending.watch < 0) return FilePromise::Delivery{file, {}};
+            if (dueNow) {
+                if (writers == Writers::some)
+                    qCWarning(lcIngest) << "A promised file is still open for writing after"
+                                        << answerTimeout_.count() << "ms without a change; taken as it is";
                 return FilePromise::Delivery{file, {}};
-            return problem("the drag source said it saved the file, but none arrived");
+            }
+            // Still being written; or, where no lease tells, taken once it has stopped changing.
+            pending.patience = writers == Writers::some ? answerTimeout_ : kSettleTime;
+            pending.deadline = Clock::now() + pending.patience;
+            return std::nullopt;
+        }
         case Pending::Answer::failed:
             if (pending.data == Pending::Data::waiting || pending.data == Pending::Data::incremental) {
                 if (!dueNow && !pending.sourceGone) return std::nullopt;
@@ -332,6 +451,7 @@ void X11DirectSaveWorker::settleDue() {
                 ++it;
                 continue;
             }
+            unwatch(*it->second);
             xcb_destroy_window(connection_, it->first);
             finished.emplace_back(std::move(it->second), *delivery);
             it = pending_.erase(it);

@@ -22,6 +22,11 @@ namespace mosswick {
 // "S", or "F" (then, where it offers application/octet-stream, the receiver writes those bytes
 // itself) or "E". A source that is slow, dead or silent never holds up the main thread: the
 // answer is awaited here, for a while, after which a file that did arrive is still taken.
+//
+// Some sources (browsers) answer "S" as they begin to write: the file is handed on only once it
+// is complete, that is once nobody holds it open for writing any more (watched with inotify, so
+// nothing wakes while nothing arrives), or where that cannot be told, once it has stopped changing
+// for a moment.
 class X11DirectSaveWorker {
 public:
     struct Exchange {
@@ -33,6 +38,11 @@ public:
         // Called once, on the worker's thread.
         std::function<void(const FilePromise::Delivery&)> done;
     };
+
+    // How long a file that cannot be told complete (no lease on its file system) has to stay
+    // unchanged to count as complete. A file still open for writing, or not there yet after "S",
+    // is waited for as long as a source's answer, counted from the folder's last change.
+    static constexpr std::chrono::milliseconds kSettleTime{800};
 
     // Null when the display cannot be reached.
     static std::shared_ptr<X11DirectSaveWorker> start(const QByteArray& displayName,
@@ -62,6 +72,11 @@ private:
     void handle(const void* event);
     QByteArray takeProperty(quint32 window, quint32 property, quint32* type);
     void settleDue();
+    void readFileEvents();
+    // Hands the finished exchanges on; called without the lock.
+    void finish(std::vector<std::pair<std::unique_ptr<Pending>, FilePromise::Delivery>>& finished);
+    // Ends the exchange's watch of its folder; with the lock held.
+    void unwatch(Pending& pending);
     std::optional<FilePromise::Delivery> settle(Pending& pending, bool dueNow);
     int msUntilNextDeadline();
     void wake();
@@ -79,6 +94,7 @@ private:
     QByteArray host_;
     int wakeRead_ = -1;
     int wakeWrite_ = -1;
+    int fileEvents_ = -1;  // inotify, watching the folders of files still being written
 
     std::mutex mutex_;
     std::map<quint32, std::unique_ptr<Pending>> pending_;  // by the requesting window

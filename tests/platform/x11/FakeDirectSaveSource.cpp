@@ -73,7 +73,7 @@ void FakeDirectSaveSource::answerDirectSave(const void* raw) {
     requestTime_ = request.time;
     if (answer_ == Answer::neverAnswers) return;
 
-    const char* letter = answer_ == Answer::fails ? "F" : "E";
+    const char* letter = answer_ == Answer::fails ? "F" : answer_ == Answer::saves ? "S" : "E";
     XChangeProperty(display_, request.requestor, request.property, XA_STRING, 8, PropModeReplace,
                     reinterpret_cast<const unsigned char*>(letter), 1);
     XSelectionEvent reply{};

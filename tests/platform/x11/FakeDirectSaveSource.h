@@ -16,6 +16,7 @@ public:
     enum class Answer {
         fails,         // "F": the receiver is to write the application/octet-stream bytes itself
         reportsError,  // "E"
+        saves,         // "S", leaving the file to the test, as a source that writes it later
         neverAnswers,
     };
 

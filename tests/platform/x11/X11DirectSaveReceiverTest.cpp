@@ -1,12 +1,17 @@
 // Receiving promised files over X Direct Save, against a private X server and a source reduced to
-// its selection: the ways a source fails. A source that writes the file, under the proposed name
-// or its own, is shown by the desktop test shelf_drops with the peer and xarchiver.
+// its selection: the ways a source fails, and a source that answers before its file is written.
+// A source that writes the file, under the proposed name or its own, is shown by the desktop test
+// shelf_drops with the peer and xarchiver.
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <QElapsedTimer>
 
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
+#include "platform/x11/X11DirectSaveWorker.h"
 #include "support/EventWaiting.h"
 #include "FakeDirectSaveSource.h"
 #include "support/TestFolders.h"
@@ -112,6 +117,58 @@ TEST_F(X11DirectSaveReceiverTest, ASourceThatGoesAwayEndsTheWaitAtOnce) {
     source.pump();
     source.vanish();
     EXPECT_TRUE(testing::waitUntil([&] { return delivery.has_value(); }, 5000));
+    ASSERT_TRUE(delivery);
+    EXPECT_FALSE(delivery->file);
+}
+
+TEST_F(X11DirectSaveReceiverTest, AFileAnsweredForBeforeItIsWrittenIsHandedOnOnceItsWriterClosesIt) {
+    // As a browser does: "S" while the file is still open and growing.
+    FakeDirectSaveSource source(server.displayName(), Answer::saves, "picture.png");
+    const int writer =
+        ::open((folder / "proposed.txt").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    ASSERT_GE(writer, 0);
+    auto patient = X11DirectSaveReceiver::create(*connection, std::chrono::seconds(30));
+    const quint32 dropTime = source.startDrag();
+    auto promise = patient->promiseFor({source.window(), dropTime, false});
+    std::optional<FilePromise::Delivery> delivery;
+    std::string whenDelivered;
+    promise->receive({folder, "proposed.txt"}, [&](const FilePromise::Delivery& answer) {
+        delivery = answer;
+        if (answer.file) whenDelivered = readFile(*answer.file);
+    });
+    const std::string first = "\x89PNG first half,";
+    ASSERT_EQ(::write(writer, first.data(), first.size()), static_cast<ssize_t>(first.size()));
+    // Longer than a file that cannot be told complete has to stay unchanged.
+    testing::keepRunning(static_cast<int>(X11DirectSaveWorker::kSettleTime.count()) + 150,
+                         [&] { source.pump(); });
+    ASSERT_FALSE(delivery) << "handed on while still being written";
+    const std::string second = " second half";
+    ASSERT_EQ(::write(writer, second.data(), second.size()), static_cast<ssize_t>(second.size()));
+    ::close(writer);
+    ASSERT_TRUE(testing::waitUntil([&] { return delivery.has_value(); }, 5000, [&] { source.pump(); }));
+    ASSERT_TRUE(delivery->file) << delivery->problem.toStdString();
+    EXPECT_EQ(whenDelivered, "\x89PNG first half, second half");
+
+    // A file made only after the answer is still taken.
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    FakeDirectSaveSource late(server.displayName(), Answer::saves, "late.png");
+    auto latePromise = receiver->promiseFor({late.window(), late.startDrag(), false});
+    delivery.reset();
+    latePromise->receive({folder, "proposed.txt"},
+                         [&](const FilePromise::Delivery& answer) { delivery = answer; });
+    testing::keepRunning(150, [&] { late.pump(); });
+    ASSERT_FALSE(delivery) << "gave up before the file came";
+    testing::writeFile(folder / "proposed.txt", "made late");
+    ASSERT_TRUE(testing::waitUntil([&] { return delivery.has_value(); }, 5000, [&] { late.pump(); }));
+    ASSERT_TRUE(delivery->file) << delivery->problem.toStdString();
+    EXPECT_EQ(readFile(*delivery->file), "made late");
+
+    // One that never comes is given up on once the source has had as long as for an answer.
+    FakeDirectSaveSource boasting(server.displayName(), Answer::saves, "nothing.png");
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    delivery = receive(boasting);
     ASSERT_TRUE(delivery);
     EXPECT_FALSE(delivery->file);
 }

@@ -18,9 +18,10 @@ when the `with` block ends, when the test fails, times out or is killed. Standar
 
 The modules, by subject: core (Desktop: lifetime, output, starting, waiting), session (the X
 session and sandboxed user folders), input (pointer, keys, drags), windows (windows, screenshots,
-pixels), programs (the binaries under test, skipping), xarchiver, process (Program), files (test
-files, PNGs), peers (drags between two peers), mosswick (its files and the Shelf), watch (the
-watcher's record of the shelf), cases (named, independent cases on one desktop).
+pixels), programs (the binaries under test, skipping), xarchiver, browser (Chromium), filemanager
+(Thunar), process (Program), files (test files, PNGs), peers (drags between two peers), mosswick
+(its files and the Shelf), watch (the watcher's record of the shelf), cases (named, independent
+cases on one desktop).
 """
 
 from .cases import Cases
