@@ -24,6 +24,9 @@ packages=(
   x11-xserver-utils trayer
   # a real browser as a drag source for the desktop tests
   chromium
+  # thumbnailers the preview tests run for real: PDF (evince-thumbnailer), video, and GNOME's
+  # thumbnail factory through Python GObject, to check the cache is shared both ways
+  evince ffmpegthumbnailer gir1.2-gnomedesktop-3.0 python3-gi
 )
 
 missing=()
