@@ -24,6 +24,7 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   ToolbarButton.h ToolbarButton.cpp
   CountLabel.h CountLabel.cpp
   ShelfToolbar.h ShelfToolbar.cpp
+  ItemPicture.h ItemPicture.cpp
   ShelfItemView.h ShelfItemView.cpp
   TileListView.h TileListView.cpp
   EmptyStateView.h EmptyStateView.cpp
