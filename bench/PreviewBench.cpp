@@ -25,6 +25,7 @@
 #include "model/LocalPath.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "platform/qt/LowPriorityPool.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/ThemeWorkspaceIcons.h"
 #include "shelf/NoDesktopMotionSetting.h"
@@ -133,6 +134,7 @@ struct Shelf {
     QtScheduler scheduler;
     NoDesktopMotionSetting motion;
     ThemeWorkspaceIcons icons;
+    LowPriorityPool previewThreads{QThread::idealThreadCount()};
     std::unique_ptr<ShelfStore> store;
     std::unique_ptr<ThumbnailProvider> provider;
     std::unique_ptr<ShelfView> view;
@@ -147,7 +149,11 @@ struct Shelf {
             preferences, scheduler, icons,
             std::make_shared<const PreviewGenerator>(ThumbnailFolder(ThumbnailFolder::defaultRoot()),
                                                      Thumbnailers::load(Thumbnailers::defaultFolders()),
-                                                     PreviewGenerator::Limits())});
+                                                     PreviewGenerator::Limits()),
+            ThumbnailProvider::primaryScreenScale, QThread::idealThreadCount(),
+            [this](std::function<void()> work, std::function<void()> done) {
+                previewThreads.run(std::move(work), std::move(done));
+            }});
         ThumbnailProvider::setShared(provider.get());
         store->setThumbnailCache(provider.get());
         view = std::make_unique<ShelfView>(*store, ReducedMotion(preferences, motion));

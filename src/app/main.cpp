@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QThread>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
@@ -14,6 +15,7 @@
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "platform/qt/LowPriorityPool.h"
 #include "platform/qt/QClipboardPasteboard.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"

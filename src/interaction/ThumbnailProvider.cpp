@@ -19,6 +19,12 @@ ThumbnailProvider* sharedProvider = nullptr;
 ThumbnailProvider::ThumbnailProvider(Services services, QObject* parent)
     : QObject(parent), services_(std::move(services)) {
     if (services_.maxRunning <= 0) services_.maxRunning = std::max(1, QThread::idealThreadCount());
+    if (!services_.runInBackground) {
+        services_.runInBackground = [&scheduler = services_.scheduler](std::function<void()> work,
+                                                                       std::function<void()> done) {
+            scheduler.background(std::move(work), std::move(done));
+        };
+    }
     connect(&services_.preferences, &Preferences::changed, this, [this](Preference preference) {
         if (preference != Preference::showQuickLookPreviews) return;
         // Switched off, nothing more is made; what waits is asked for again when the tiles are.
@@ -89,7 +95,7 @@ void ThumbnailProvider::startWaitingJobs() {
         running_.insert(job.id, token);
         ++busy_;
         auto result = std::make_shared<std::optional<QImage>>();
-        services_.scheduler.background(
+        services_.runInBackground(
             [job, token, result, generator = services_.generator] {
                 if (!token->load()) *result = generator->generate(job.file, job.mimeType, job.size, *token);
             },

@@ -39,6 +39,9 @@ public:
         std::function<double()> screenScale = primaryScreenScale;
         // Generations running at once; the machine's cores by default.
         int maxRunning = 0;
+        // Where generations run (then `done` on the main thread); the scheduler's background
+        // work when not given.
+        std::function<void(std::function<void()> work, std::function<void()> done)> runInBackground;
     };
 
     explicit ThumbnailProvider(Services services, QObject* parent = nullptr);
