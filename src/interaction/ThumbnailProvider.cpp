@@ -77,6 +77,9 @@ void ThumbnailProvider::requestPreview(const ShelfItem& item, QSizeF points) {
         }
         return;
     }
+    if (auto failed = failedAt_.constFind(item.id);
+        failed != failedAt_.constEnd() && services_.scheduler.now() - *failed < kRetryAfter)
+        return;
     const std::optional<QUrl> url = item.previewURL();
     const std::optional<std::filesystem::path> path = url ? LocalPath::fromUrl(*url) : std::nullopt;
     if (!path) return;
@@ -112,8 +115,11 @@ void ThumbnailProvider::finished(const QUuid& id, const std::shared_ptr<std::ato
     if (!token->load() && running_.value(id) == token) {
         running_.remove(id);
         inFlight_.erase(id);
-        // A failure stores nothing: the item may be asked for again later.
-        if (image && previewsShown()) {
+        // A failure stores no picture: the item may be asked for again later.
+        if (!image) {
+            failedAt_.insert(id, services_.scheduler.now());
+        } else if (previewsShown()) {
+            failedAt_.remove(id);
             previews_.insert(id, std::move(*image));
             emit previewArrived(id);
         }
@@ -151,6 +157,7 @@ void ThumbnailProvider::dropWaiting(const std::function<bool(const QUuid&)>& dro
 void ThumbnailProvider::evict(const QUuid& id) {
     dropWaiting([&id](const QUuid& other) { return other == id; });
     previews_.remove(id);
+    failedAt_.remove(id);
 }
 
 void ThumbnailProvider::keepWorkFor(const std::set<QUuid>& onShelf) {

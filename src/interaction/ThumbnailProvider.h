@@ -44,6 +44,9 @@ public:
         std::function<void(std::function<void()> work, std::function<void()> done)> runInBackground;
     };
 
+    // A failed item is tried again after this long, not at each paint of its tile.
+    static constexpr double kRetryAfter = 30;
+
     explicit ThumbnailProvider(Services services, QObject* parent = nullptr);
     ~ThumbnailProvider() override;
 
@@ -56,8 +59,9 @@ public:
     QIcon icon(const ShelfItem& item);
 
     // Starts making the item's preview for a picture of `points` on this screen, unless previews
-    // are off, it has one, one is being made, or it has no file. Asked again while it waits its
-    // turn, it goes first: the tiles in view ask at every paint.
+    // are off, it has one, one is being made, it has no file, or an attempt failed less than
+    // kRetryAfter ago. Asked again while it waits its turn, it goes first: the tiles in view ask at
+    // every paint.
     void requestPreview(const ShelfItem& item, QSizeF points);
 
     // The item's preview while previews are on.
@@ -92,6 +96,7 @@ private:
 
     Services services_;
     QHash<QUuid, QImage> previews_;
+    QHash<QUuid, double> failedAt_;
     QHash<QString, QIcon> iconCache_;
     // Waiting their turn and running; a running job's token turns true when its result is unwanted.
     std::set<QUuid> inFlight_;
