@@ -1,5 +1,8 @@
 #include "interaction/Thumbnailers.h"
 
+#include <signal.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -211,6 +214,8 @@ std::optional<QByteArray> Thumbnailers::run(const Thumbnailer& thumbnailer, cons
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.setWorkingDirectory(folder.path());
+    // A group of its own, so that a hung thumbnailer is killed with whatever it started.
+    process.setChildProcessModifier([] { ::setpgid(0, 0); });
     process.start();
     if (!process.waitForStarted()) {
         qCInfo(lcPreviews) << "thumbnailer did not start:" << arguments->first();
@@ -223,6 +228,8 @@ std::optional<QByteArray> Thumbnailers::run(const Thumbnailer& thumbnailer, cons
             if (!cancelled.load())
                 qCWarning(lcPreviews)
                     << "thumbnailer killed after" << limit.count() << "ms:" << arguments->first();
+            // The leader is not reaped yet, so the group's id cannot have been reused.
+            ::kill(-static_cast<pid_t>(process.processId()), SIGKILL);
             process.kill();
             process.waitForFinished();
             return std::nullopt;

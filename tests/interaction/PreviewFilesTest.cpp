@@ -281,6 +281,7 @@ TEST_F(PreviewGeneratorTest, ThumbnailersThatFailGiveNoPictureAndNeverHoldUpTheS
     } cases[] = {
         {"copies the picture it is given", "cp \"$3\" \"$4\"", true},
         {"hangs", "exec sleep 60", false},
+        {"hangs in a child of its own", "sleep 60; cp \"$3\" \"$4\"", false},
         {"writes nothing", "exit 0", false},
         {"writes garbage", "echo garbage > \"$4\"", false},
         {"fails", "cp \"$3\" \"$4\"; exit 3", false},
