@@ -3,7 +3,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
