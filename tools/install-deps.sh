@@ -25,6 +25,9 @@ packages=(
   # a real browser and a real file manager (with the settings service that sets its view) as drag
   # sources for the desktop tests
   chromium thunar xfconf
+  # thumbnailers the preview tests run for real: PDF (evince-thumbnailer), video, and GNOME's
+  # thumbnail factory through Python GObject, to check the cache is shared both ways
+  evince ffmpegthumbnailer gir1.2-gnomedesktop-3.0 python3-gi
 )
 
 missing=()

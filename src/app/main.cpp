@@ -3,19 +3,23 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QThread>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
 #include "app/DesktopBackends.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
+#include "interaction/ThumbnailProvider.h"
 #include "model/AppFiles.h"
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "platform/qt/LowPriorityPool.h"
 #include "platform/qt/QClipboardPasteboard.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
+#include "platform/qt/ThemeWorkspaceIcons.h"
 #include "platform/qt/UnixSignalQuit.h"
 #include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanelFactory.h"
@@ -60,6 +64,19 @@ int main(int argc, char** argv) {
     Scheduler::setShared(&scheduler);
     ShelfStore store(preferences, scheduler, AppFiles::saveFile());
     ShelfStore::setShared(&store);
+    ThemeWorkspaceIcons workspaceIcons;
+    ThumbnailProvider thumbnails(
+        {preferences, scheduler, workspaceIcons,
+         std::make_shared<const PreviewGenerator>(ThumbnailFolder(ThumbnailFolder::defaultRoot()),
+                                                  Thumbnailers::load(Thumbnailers::defaultFolders()),
+                                                  PreviewGenerator::Limits())});
+    ThumbnailProvider::setShared(&thumbnails);
+    store.setThumbnailCache(&thumbnails);
+    QObject::connect(&store, &ShelfStore::itemsChanged, &thumbnails, [&store, &thumbnails] {
+        std::set<QUuid> onShelf;
+        for (const ShelfItem& item : store.items()) onShelf.insert(item.id);
+        thumbnails.keepWorkFor(onShelf);
+    });
 
     DesktopBackends desktop = DesktopBackends::forThisSession();
     const IngestServices ingest{scheduler, preferences, store};

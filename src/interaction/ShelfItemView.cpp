@@ -1,12 +1,11 @@
 #include "interaction/ShelfItemView.h"
 
-#include <QFileInfo>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTextLayout>
 
-#include "interaction/ItemIcon.h"
+#include "interaction/ItemPicture.h"
 #include "interaction/ShelfColors.h"
 #include "interaction/ShelfFonts.h"
 #include "interaction/ShelfLayout.h"
@@ -50,11 +49,6 @@ QStringList wrapped(const QString& text, const QFont& font, double width, int ma
     return lines;
 }
 
-QString extensionLabel(const ShelfItem& item) {
-    const QString suffix = QFileInfo(item.displayName).suffix();
-    return suffix.size() <= 4 ? suffix : QString();
-}
-
 }  // namespace
 
 ShelfItemView::ShelfItemView(ReducedMotion motion, QWidget* parent) : QWidget(parent), motion_(motion) {
@@ -64,6 +58,13 @@ ShelfItemView::ShelfItemView(ReducedMotion motion, QWidget* parent) : QWidget(pa
         closeOpacity_ = value.toDouble();
         update();
     });
+    // Only the tile that shows the item redraws when its preview arrives.
+    ItemPicture::watch(this, [this](const QUuid& id) {
+        const size_t shown = std::min(tile_.items.size(), kStackLayers + 1);
+        if (id.isNull() || std::any_of(tile_.items.begin(), tile_.items.begin() + static_cast<long>(shown),
+                                       [&id](const ShelfItem& item) { return item.id == id; }))
+            update();
+    });
 }
 
 void ShelfItemView::setTile(const ShelfTile& tile, const TileDescription& description) {
@@ -71,6 +72,7 @@ void ShelfItemView::setTile(const ShelfTile& tile, const TileDescription& descri
     description_ = description;
     setToolTip(description.toolTip);
     setAccessibleName(description.title);
+    ItemPicture::request(tile);
     update();
 }
 
@@ -189,20 +191,7 @@ void ShelfItemView::paintPicture(QPainter& painter, const QRectF& tile, const Sh
 }
 
 void ShelfItemView::paintItemPicture(QPainter& painter, const QRectF& box, const ShelfItem& item) const {
-    const QIcon icon = ItemIcon::themeIcon(item.contentTypeIdentifier, item.webURL.has_value());
-    if (!icon.isNull()) {
-        const QSize side = box.size().toSize();
-        const QPixmap pixmap = icon.pixmap(side, devicePixelRatioF());
-        if (!pixmap.isNull()) {
-            QRectF target(QPointF(), pixmap.deviceIndependentSize());
-            target.moveCenter(box.center());
-            painter.drawPixmap(target, pixmap, pixmap.rect());
-            return;
-        }
-    }
-    ShelfSymbols::fileGlyph(painter, box,
-                            ItemIcon::glyph(item.contentTypeIdentifier, item.webURL.has_value()),
-                            extensionLabel(item));
+    ItemPicture::paint(painter, box, item, devicePixelRatioF());
 }
 
 void ShelfItemView::paintText(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const {

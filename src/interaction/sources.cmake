@@ -5,6 +5,11 @@ set(MOSSWICK_INTERACTION_SOURCES
   TileDescription.h TileDescription.cpp
   ShelfNotice.h ShelfNotice.cpp
   ItemIcon.h ItemIcon.cpp
+  WorkspaceIcons.h
+  ThumbnailFolder.h ThumbnailFolder.cpp
+  Thumbnailers.h Thumbnailers.cpp
+  PreviewGenerator.h PreviewGenerator.cpp
+  ThumbnailProvider.h ThumbnailProvider.cpp
   ShelfPalette.h ShelfPalette.cpp
   ShelfColors.h ShelfColors.cpp
   DesktopColorScheme.h
@@ -19,6 +24,7 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   ToolbarButton.h ToolbarButton.cpp
   CountLabel.h CountLabel.cpp
   ShelfToolbar.h ShelfToolbar.cpp
+  ItemPicture.h ItemPicture.cpp
   ShelfItemView.h ShelfItemView.cpp
   TileListView.h TileListView.cpp
   EmptyStateView.h EmptyStateView.cpp
