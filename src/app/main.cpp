@@ -3,17 +3,24 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
+#include <QDBusConnection>
+#include <QMessageBox>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
 #include "app/DesktopBackends.h"
+#include "app/StatusBarController.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
+#include "interaction/MenuActions.h"
+#include "interaction/ShelfMenus.h"
 #include "model/AppFiles.h"
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
+#include "platform/freedesktop/FreedesktopWorkspace.h"
 #include "platform/qt/QClipboardPasteboard.h"
+#include "platform/qt/QtFileClipboard.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/UnixSignalQuit.h"
@@ -80,10 +87,38 @@ int main(int argc, char** argv) {
     const ClipboardImport::Services clipboardImport{
         [] { return std::make_unique<QClipboardPasteboard>(*QGuiApplication::clipboard()); },
         [] { QApplication::beep(); }, [&controller] { controller.summon(); }, ingest};
-    AppDelegate delegate({preferences, store, controller, dragMonitor, hotKeys, defaults,
-                          [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
-                          [&appearance](AppearanceMode mode) { appearance.apply(mode); },
-                          desktop.sleepWatch()});
+    const auto addClipboardContents = [&clipboardImport] {
+        ClipboardImport::addContentsOfClipboard(clipboardImport);
+    };
+
+    FreedesktopWorkspace workspace(QDBusConnection::sessionBus());
+    QtFileClipboard fileClipboard;
+    MenuActions menuActions({preferences,
+                             store,
+                             controller,
+                             workspace,
+                             fileClipboard,
+                             addClipboardContents,
+                             [] { qInfo("The settings window is not there yet: edit settings.json."); },
+                             [] {
+                                 QMessageBox::about(
+                                     nullptr, QStringLiteral("About Mosswick"),
+                                     QStringLiteral("<b>Mosswick</b> %1<p>A place to put a file down "
+                                                    "mid-drag, so your hand is free to open wherever "
+                                                    "it's going.</p>")
+                                         .arg(QApplication::applicationVersion()));
+                             },
+                             {},
+                             [] { QApplication::quit(); }});
+    StatusBarController statusBar({[&] {
+                                       return ShelfMenus::mainMenu({preferences, store, false});
+                                   },
+                                   [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
+
+    AppDelegate delegate(
+        {preferences, store, controller, dragMonitor, hotKeys, defaults, addClipboardContents,
+         [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
+         [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 
