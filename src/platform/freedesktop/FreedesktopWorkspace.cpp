@@ -3,10 +3,11 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QStringList>
 #include <set>
+
+#include "model/LocalPath.h"
 
 namespace mosswick {
 namespace {
@@ -16,9 +17,11 @@ Q_LOGGING_CATEGORY(lcWorkspace, "mosswick.workspace")
 const QString kFileManagerService = QStringLiteral("org.freedesktop.FileManager1");
 
 void openFolders(const std::vector<QUrl>& locations) {
-    std::set<QString> folders;
-    for (const QUrl& url : locations) folders.insert(QFileInfo(url.toLocalFile()).absolutePath());
-    for (const QString& folder : folders) QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
+    std::set<std::filesystem::path> folders;
+    for (const QUrl& url : locations)
+        if (const auto path = LocalPath::fromUrl(url)) folders.insert(path->parent_path());
+    for (const std::filesystem::path& folder : folders)
+        QDesktopServices::openUrl(LocalPath::toUrl(folder, true));
 }
 
 }  // namespace
@@ -42,7 +45,7 @@ void FreedesktopWorkspace::reveal(const std::vector<QUrl>& locations) {
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, [watcher, locations] {
         if (watcher->isError()) {
-            qCInfo(lcWorkspace) << "no file manager showed the files, opening their folder:"
+            qCInfo(lcWorkspace) << "no file manager showed the files, opening their folders:"
                                 << watcher->error().message();
             openFolders(locations);
         }

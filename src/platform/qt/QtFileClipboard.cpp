@@ -1,9 +1,10 @@
 #include "platform/qt/QtFileClipboard.h"
 
 #include <QClipboard>
-#include <QFile>
 #include <QGuiApplication>
 #include <QMimeData>
+
+#include "model/LocalPath.h"
 
 namespace mosswick {
 
@@ -15,7 +16,7 @@ void QtFileClipboard::putFiles(const std::vector<QUrl>& locations) {
         uris.append(encoded).append("\r\n");
         if (!paths.isEmpty()) paths.append('\n');
         // The path's own bytes: a name that is not UTF-8 pastes as it is on disk.
-        paths.append(QFile::encodeName(url.toLocalFile()));
+        if (const auto path = LocalPath::fromUrl(url)) paths.append(LocalPath::bytes(*path));
     }
     QByteArray gnome("copy");
     for (const QUrl& url : locations) gnome.append('\n').append(url.toEncoded());
