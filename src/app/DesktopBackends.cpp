@@ -1,6 +1,7 @@
 #include "app/DesktopBackends.h"
 
 #include <QDBusConnection>
+#include <QFile>
 #include <QGuiApplication>
 #include <QMimeData>
 
@@ -18,6 +19,7 @@
 #include "platform/x11/X11PanelHints.h"
 #include "platform/x11/X11WorkArea.h"
 #include "platform/x11/XkbKeyboardLayout.h"
+#include "settings/LoginItem.h"
 #include "shelf/PanelWindowHints.h"
 #include "triggers/DummyDesktopProbe.h"
 #include "triggers/DummyHotKeyService.h"
@@ -83,7 +85,28 @@ void DesktopBackends::followDesktopState() {
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
     installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+    loginItem_ = chooseLoginItem();
 }
+
+std::unique_ptr<LoginItem> DesktopBackends::chooseLoginItem() {
+    if (qEnvironmentVariable("MOSSWICK_TEST_HOST") == QLatin1String("1"))
+        return std::make_unique<NoLoginItem>();
+    // A sandboxed program cannot write the host's autostart folder; the desktop's Background
+    // portal would have to start it instead, which this build does not ask yet.
+    if (QFile::exists(QStringLiteral("/.flatpak-info"))) {
+        qInfo(
+            "Mosswick runs in a Flatpak sandbox: starting at login would go through the Background portal, "
+            "which this build does not use yet.");
+        return std::make_unique<UnavailableLoginItem>(
+            QStringLiteral("starting at login from a Flatpak sandbox needs the desktop's Background portal, "
+                           "which this version of Mosswick does not use yet"));
+    }
+    return std::make_unique<XdgAutostartEntry>(XdgAutostartEntry::defaultFolder(),
+                                               XdgAutostartEntry::installedExecutable());
+}
+
+InstalledApplications& DesktopBackends::installedApplications() { return *installedApplications_; }
+ApplicationCatalog& DesktopBackends::applicationCatalog() { return *installedApplications_; }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {
     QMimeDataPasteboard::PromiseFactory promises;

@@ -11,7 +11,10 @@ class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
 class HotKeyService;
+class ApplicationCatalog;
+class DesktopEntries;
 class InstalledApplications;
+class LoginItem;
 class KeyboardLayout;
 class PanelWindowHints;
 class SleepWatch;
@@ -38,12 +41,18 @@ public:
 
     // What the application follows of the desktop beyond the shelf's own window.
     SleepWatch& sleepWatch() { return *sleepWatch_; }
-    InstalledApplications& installedApplications() { return *installedApplications_; }
+    InstalledApplications& installedApplications();
+    // The installed applications the ignore list offers.
+    ApplicationCatalog& applicationCatalog();
+    // Start at login: the XDG autostart entry; none under the test-host switch
+    // (MOSSWICK_TEST_HOST=1); inside a Flatpak sandbox, a refusal that says why.
+    LoginItem& loginItem() { return *loginItem_; }
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
 
 private:
     DesktopBackends();
     void followDesktopState();
+    static std::unique_ptr<LoginItem> chooseLoginItem();
 
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
@@ -55,7 +64,8 @@ private:
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
-    std::unique_ptr<InstalledApplications> installedApplications_;
+    std::unique_ptr<DesktopEntries> installedApplications_;
+    std::unique_ptr<LoginItem> loginItem_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 

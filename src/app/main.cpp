@@ -4,11 +4,15 @@
 #include <QClipboard>
 #include <QCommandLineParser>
 #include <QDBusConnection>
+#include <QElapsedTimer>
+#include <QIcon>
+#include <QLoggingCategory>
 #include <QMessageBox>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
 #include "app/DesktopBackends.h"
+#include "app/MenuBarIcon.h"
 #include "app/StatusBarController.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
@@ -24,6 +28,7 @@
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/UnixSignalQuit.h"
+#include "settings/SettingsWindow.h"
 #include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanelFactory.h"
 #include "shelf/ShelfWindowController.h"
@@ -35,6 +40,7 @@ using namespace mosswick;
 namespace {
 
 const QString kSummonOption = QStringLiteral("summon");
+Q_LOGGING_CATEGORY(lcSettings, "mosswick.settings")
 
 }  // namespace
 
@@ -44,6 +50,12 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(MOSSWICK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("mosswick"));
     QApplication::setQuitOnLastWindowClosed(false);
+    // Without a desktop that names its icon theme (a bare window manager), the settings' icons
+    // come from the theme every freedesktop system ships.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+    // The settings window's icon and the About pane's picture.
+    QApplication::setWindowIcon(MenuBarIcon::icon(QApplication::palette().color(QPalette::WindowText)));
 
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral(
@@ -91,6 +103,19 @@ int main(int argc, char** argv) {
         ClipboardImport::addContentsOfClipboard(clipboardImport);
     };
 
+    // One settings window for the run, made when first asked for.
+    std::unique_ptr<SettingsWindow> settingsWindow;
+    const auto showSettings = [&] {
+        QElapsedTimer opening;
+        opening.start();
+        if (!settingsWindow)
+            settingsWindow = std::make_unique<SettingsWindow>(SettingsWindow::Services{
+                preferences, defaults, hotKeys, desktop.loginItem(), desktop.applicationCatalog(),
+                [&controller] { controller.rebuildPanel(); }});
+        settingsWindow->show();
+        qCDebug(lcSettings) << "settings window shown in" << opening.elapsed() << "ms";
+    };
+
     FreedesktopWorkspace workspace(QDBusConnection::sessionBus());
     QtFileClipboard fileClipboard;
     MenuActions menuActions({preferences,
@@ -99,7 +124,7 @@ int main(int argc, char** argv) {
                              workspace,
                              fileClipboard,
                              addClipboardContents,
-                             [] { qInfo("The settings window is not there yet: edit settings.json."); },
+                             showSettings,
                              [] {
                                  QMessageBox::about(
                                      nullptr, QStringLiteral("About Mosswick"),
@@ -131,6 +156,7 @@ int main(int argc, char** argv) {
     else
         std::fprintf(stderr, "Mosswick is running: drag a file to bring the shelf up.\n");
     const int status = app.exec();
+    settingsWindow.reset();
     delegate.applicationWillTerminate();
     return status;
 }

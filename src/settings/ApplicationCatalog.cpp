@@ -27,9 +27,10 @@ std::vector<IgnoredApplicationRow> rows(const QStringList& ignored,
                                         const std::vector<InstalledApplication>& installed) {
     std::vector<IgnoredApplicationRow> result;
     for (const QString& id : ignored) {
-        const auto found = std::find_if(installed.begin(), installed.end(), [&id](const InstalledApplication& app) {
-            return IgnoredApplications::sameDesktopId(app.desktopId, id);
-        });
+        const auto found =
+            std::find_if(installed.begin(), installed.end(), [&id](const InstalledApplication& app) {
+                return IgnoredApplications::sameDesktopId(app.desktopId, id);
+            });
         if (found != installed.end())
             result.push_back({id, found->name, found->iconName, true});
         else
@@ -44,14 +45,16 @@ std::vector<InstalledApplication> offered(const std::vector<InstalledApplication
     std::vector<InstalledApplication> result;
     for (const InstalledApplication& app : installed) {
         if (contains(ignored, app.desktopId)) continue;
-        if (!needle.isEmpty() && !folded(app.name).contains(needle) && !folded(app.desktopId).contains(needle))
+        if (!needle.isEmpty() && !folded(app.name).contains(needle) &&
+            !folded(app.desktopId).contains(needle))
             continue;
         result.push_back(app);
     }
-    std::stable_sort(result.begin(), result.end(), [](const InstalledApplication& a, const InstalledApplication& b) {
-        // Accents and case aside, so the order does not hang on the session's locale.
-        return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
-    });
+    std::stable_sort(result.begin(), result.end(),
+                     [](const InstalledApplication& a, const InstalledApplication& b) {
+                         // Accents and case aside, so the order does not hang on the session's locale.
+                         return std::pair(folded(a.name), a.name) < std::pair(folded(b.name), b.name);
+                     });
     return result;
 }
 

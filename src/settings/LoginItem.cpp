@@ -48,8 +48,8 @@ QString XdgAutostartEntry::installedExecutable() {
 QString XdgAutostartEntry::path() const { return QDir(folder_).filePath(kFileName); }
 
 QString XdgAutostartEntry::execArgument(const QString& executable) {
-    static const QString plain = QStringLiteral(
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+,@");
+    static const QString plain =
+        QStringLiteral("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-+,@");
     bool needsQuotes = executable.isEmpty();
     for (const QChar c : executable)
         if (!plain.contains(c)) needsQuotes = true;

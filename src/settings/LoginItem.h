@@ -25,6 +25,17 @@ public:
     QString setEnabled(bool) override { return {}; }
 };
 
+// Where Mosswick cannot arrange it itself: off, and turning it on fails with `reason`.
+class UnavailableLoginItem final : public LoginItem {
+public:
+    explicit UnavailableLoginItem(QString reason) : reason_(std::move(reason)) {}
+    bool isEnabled() const override { return false; }
+    QString setEnabled(bool enabled) override { return enabled ? reason_ : QString(); }
+
+private:
+    QString reason_;
+};
+
 // The freedesktop way: a desktop entry named mosswick.desktop in the user's autostart folder,
 // which every XDG desktop starts at login. Written whole (temporary file and rename), so a login
 // never finds half an entry; switched off by removing it. An entry the user marked Hidden, or

@@ -18,8 +18,7 @@ constexpr PaneCase kCases[] = {
     {SettingsPane::behavior, "behavior", "Behavior",
      "preferences-desktop-peripherals input-mouse preferences-desktop"},
     {SettingsPane::window, "window", "Window", "preferences-system-windows window-new"},
-    {SettingsPane::advanced, "advanced", "Advanced",
-     "applications-system preferences-other emblem-system"},
+    {SettingsPane::advanced, "advanced", "Advanced", "applications-system preferences-other emblem-system"},
     {SettingsPane::about, "about", "About", "help-about dialog-information"},
 };
 

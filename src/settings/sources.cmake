@@ -9,4 +9,7 @@ set(MOSSWICK_SETTINGS_SOURCES
 )
 # The window itself.
 set(MOSSWICK_SETTINGS_VIEW_SOURCES
+  ShortcutRecorderView.h ShortcutRecorderView.cpp
+  IgnoredApplicationsView.h IgnoredApplicationsView.cpp
+  SettingsWindow.h SettingsWindow.cpp
 )

@@ -29,9 +29,9 @@ TEST(LoginItemTest, TheSwitchWritesAndRemovesTheAutostartEntryAndFollowsHandEdit
     EXPECT_TRUE(written.starts_with("[Desktop Entry]\n"));
     EXPECT_NE(written.find("\nType=Application\n"), std::string::npos);
     EXPECT_NE(written.find("\nExec=/opt/Mosswick/bin/mosswick\n"), std::string::npos);
-    EXPECT_EQ(std::filesystem::status(folder / "mosswick.desktop").permissions() &
-                  std::filesystem::perms::all,
-              std::filesystem::perms(0644));
+    EXPECT_EQ(
+        std::filesystem::status(folder / "mosswick.desktop").permissions() & std::filesystem::perms::all,
+        std::filesystem::perms(0644));
 
     struct Edit {
         const char* what;
@@ -88,7 +88,8 @@ TEST(LoginItemTest, AFailureSaysWhyAndTheSwitchFallsBackToTheRealState) {
         LoginItemState state(entry);
         state.apply(c.turnOn);
         EXPECT_EQ(state.launchAtLogin(), c.switchAfter) << c.what;
-        EXPECT_TRUE(state.error().startsWith(QString::fromUtf8(c.reason))) << c.what << ": " << qPrintable(state.error());
+        EXPECT_TRUE(state.error().startsWith(QString::fromUtf8(c.reason)))
+            << c.what << ": " << qPrintable(state.error());
         EXPECT_TRUE(state.error().contains(qs(folder))) << c.what << ": " << qPrintable(state.error());
     }
 }
@@ -98,12 +99,13 @@ TEST(LoginItemTest, TheProgramIsQuotedOnlyWhenItMustBe) {
         const char* executable;
         const char* exec;
     };
-    for (const Case& c : {Case{"/usr/bin/mosswick", "/usr/bin/mosswick"},
-                          Case{"/home/ann/Apps/Mosswick-1.2.AppImage", "/home/ann/Apps/Mosswick-1.2.AppImage"},
-                          Case{"/home/ann/My Apps/mosswick", "\"/home/ann/My Apps/mosswick\""},
-                          Case{"/opt/$x/`a`/\"q\"", "\"/opt/\\\\$x/\\\\`a\\\\`/\\\\\"q\\\\\"\""},
-                          Case{"/opt/back\\slash", "\"/opt/back\\\\\\\\slash\""},
-                          Case{"/opt/100%/mosswick", "\"/opt/100%%/mosswick\""}}) {
+    for (const Case& c :
+         {Case{"/usr/bin/mosswick", "/usr/bin/mosswick"},
+          Case{"/home/ann/Apps/Mosswick-1.2.AppImage", "/home/ann/Apps/Mosswick-1.2.AppImage"},
+          Case{"/home/ann/My Apps/mosswick", "\"/home/ann/My Apps/mosswick\""},
+          Case{"/opt/$x/`a`/\"q\"", "\"/opt/\\\\$x/\\\\`a\\\\`/\\\\\"q\\\\\"\""},
+          Case{"/opt/back\\slash", "\"/opt/back\\\\\\\\slash\""},
+          Case{"/opt/100%/mosswick", "\"/opt/100%%/mosswick\""}}) {
         EXPECT_EQ(XdgAutostartEntry::execArgument(QString::fromUtf8(c.executable)), QString::fromUtf8(c.exec))
             << c.executable;
     }

@@ -10,9 +10,9 @@ namespace {
 
 TEST(PaneStateTest, TheAlternateDataSentenceSpeaksOfDataOnlyWithoutAnAlternate) {
     for (const auto& c : EnumCases<AlternateDragData>::all) {
-        const QString sentence = QStringLiteral("%1 %2 %3")
-                                     .arg(AlternateDataSentence::lead(), title(c.value),
-                                          AlternateDataSentence::ending(c.value));
+        const QString sentence =
+            QStringLiteral("%1 %2 %3")
+                .arg(AlternateDataSentence::lead(), title(c.value), AlternateDataSentence::ending(c.value));
         const char* expected[] = {"Also provide no alternate data when dragging out",
                                   "Also provide the file path as text when dragging out",
                                   "Also provide the file name as text when dragging out",
@@ -73,8 +73,10 @@ TEST(PaneStateTest, IgnoredApplicationsAreShownByNameAndKeptByIdEvenOnceUninstal
         QStringList ids;
     };
     for (const Filter& f :
-         {Filter{"", {QStringLiteral("org.kde.dolphin"), QStringLiteral("emacs"), QStringLiteral("firefox-esr")}},
-          Filter{"  e ", {QStringLiteral("org.kde.dolphin"), QStringLiteral("emacs"), QStringLiteral("firefox-esr")}},
+         {Filter{"",
+                 {QStringLiteral("org.kde.dolphin"), QStringLiteral("emacs"), QStringLiteral("firefox-esr")}},
+          Filter{"  e ",
+                 {QStringLiteral("org.kde.dolphin"), QStringLiteral("emacs"), QStringLiteral("firefox-esr")}},
           Filter{"EMAC", {QStringLiteral("emacs")}}, Filter{"kde", {QStringLiteral("org.kde.dolphin")}},
           Filter{"files", {}}, Filter{"zzz", {}}}) {
         QStringList ids;
@@ -84,8 +86,8 @@ TEST(PaneStateTest, IgnoredApplicationsAreShownByNameAndKeptByIdEvenOnceUninstal
         EXPECT_EQ(ids, f.ids) << f.text;
     }
 
-    EXPECT_EQ(ApplicationChoices::adding(ignored, {QStringLiteral("org.gnome.Nautilus"), QStringLiteral("emacs"),
-                                                   QStringLiteral("emacs.desktop")}),
+    EXPECT_EQ(ApplicationChoices::adding(ignored, {QStringLiteral("org.gnome.Nautilus"),
+                                                   QStringLiteral("emacs"), QStringLiteral("emacs.desktop")}),
               (QStringList{ignored[0], ignored[1], QStringLiteral("emacs")}));
 }
 

@@ -54,7 +54,9 @@ struct KeyCase {
 
 class ShortcutRecorderTest : public ::testing::TestWithParam<KeyCase> {
 protected:
-    ShortcutRecorderTest() { mosswick::SystemLog::setSink([](const QString&) {}); }
+    ShortcutRecorderTest() {
+        mosswick::SystemLog::setSink([](const QString&) {});
+    }
     ~ShortcutRecorderTest() override { mosswick::SystemLog::setSink({}); }
 
     GrabbingService service;
@@ -79,8 +81,8 @@ TEST_P(ShortcutRecorderTest, TheNextKeyDecidesTheShortcut) {
     EXPECT_EQ(recorder.isRecording(), c.stillRecording) << c.what;
     EXPECT_EQ(changes, c.stillRecording ? 1 : 2) << c.what;
     if (!c.stillRecording) {
-        EXPECT_EQ(recorder.buttonTitle(), c.shortcutAfter ? c.shortcutAfter->displayString()
-                                                          : QStringLiteral("Click to record"));
+        EXPECT_EQ(recorder.buttonTitle(),
+                  c.shortcutAfter ? c.shortcutAfter->displayString() : QStringLiteral("Click to record"));
     }
 }
 
@@ -88,7 +90,8 @@ INSTANTIATE_TEST_SUITE_P(
     Keys, ShortcutRecorderTest,
     ::testing::Values(
         KeyCase{"Ctrl+Alt+Space", kSpace, kCtrlAlt, Outcome::recorded, KeyCombo{kSpace, kCtrlAlt}, false},
-        KeyCase{"Super+A", kA, KeyCombo::kCommand, Outcome::recorded, KeyCombo{kA, KeyCombo::kCommand}, false},
+        KeyCase{"Super+A", kA, KeyCombo::kCommand, Outcome::recorded, KeyCombo{kA, KeyCombo::kCommand},
+                false},
         KeyCase{"F9 alone", kF9, 0, Outcome::recorded, KeyCombo{kF9, 0}, false},
         KeyCase{"F20 alone", kF20, 0, Outcome::recorded, KeyCombo{kF20, 0}, false},
         KeyCase{"stray bits are dropped", kA, KeyCombo::kShift | 0x800000, Outcome::recorded,
@@ -97,8 +100,8 @@ INSTANTIATE_TEST_SUITE_P(
         KeyCase{"a bare space too", kSpace, 0, Outcome::ignored, kOld, true},
         KeyCase{"only unknown bits count as none", kA, 0x800000, Outcome::ignored, kOld, true},
         KeyCase{"Escape cancels", ShortcutRecorder::kEscape, 0, Outcome::cancelled, kOld, false},
-        KeyCase{"Ctrl+Escape is a shortcut", ShortcutRecorder::kEscape, KeyCombo::kControl,
-                Outcome::recorded, KeyCombo{ShortcutRecorder::kEscape, KeyCombo::kControl}, false},
+        KeyCase{"Ctrl+Escape is a shortcut", ShortcutRecorder::kEscape, KeyCombo::kControl, Outcome::recorded,
+                KeyCombo{ShortcutRecorder::kEscape, KeyCombo::kControl}, false},
         KeyCase{"Backspace removes it", ShortcutRecorder::kBackspace, 0, Outcome::removed, std::nullopt,
                 false}));
 
@@ -107,9 +110,11 @@ TEST_F(ShortcutRecorderTest, AKeyHeldElsewhereLeavesTheOldShortcutWorkingAndSays
         std::optional<KeyCombo> before;
         const char* says;
     };
-    for (const Case& c : {Case{kOld, "Ctrl+Alt+Space is already taken by another program. The shortcut is still F5."},
-                          Case{std::nullopt, "Ctrl+Alt+Space is already taken by another program. There is "
-                                             "still no shortcut."}}) {
+    for (const Case& c :
+         {Case{kOld, "Ctrl+Alt+Space is already taken by another program. The shortcut is still F5."},
+          Case{std::nullopt,
+               "Ctrl+Alt+Space is already taken by another program. There is "
+               "still no shortcut."}}) {
         hotKeys.registerCombo(c.before);
         service.heldElsewhere = {kSpace};
         ShortcutRecorder recorder(hotKeys);
