@@ -63,6 +63,7 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (isWaylandSession() && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
         backends.hotKeys_ =
             std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared());
+        backends.portalOwnsShortcut_ = true;
     } else if (backends.x11_) {
         backends.hotKeys_ = std::make_unique<X11HotKeyService>(*backends.x11_);
     } else {

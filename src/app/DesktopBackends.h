@@ -35,6 +35,8 @@ public:
     DesktopMotionSetting& desktopMotion() { return *desktopMotion_; }
     DesktopProbe& probe() { return *probe_; }
     HotKeyService& hotKeys() { return *hotKeys_; }
+    // Whether the desktop's portal, not an X11 grab, holds the shortcut (and asks the user itself).
+    bool portalOwnsShortcut() const { return portalOwnsShortcut_; }
     PanelWindowHints& panelHints() { return *panelHints_; }
     // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
     ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
@@ -60,6 +62,7 @@ private:
     std::unique_ptr<DesktopProbe> probe_;
     std::unique_ptr<KeyboardLayout> layout_;
     std::unique_ptr<HotKeyService> hotKeys_;
+    bool portalOwnsShortcut_ = false;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
 

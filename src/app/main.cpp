@@ -110,8 +110,19 @@ int main(int argc, char** argv) {
         opening.start();
         if (!settingsWindow)
             settingsWindow = std::make_unique<SettingsWindow>(SettingsWindow::Services{
-                preferences, defaults, hotKeys, desktop.loginItem(), desktop.applicationCatalog(),
-                [&controller] { controller.rebuildPanel(); }});
+                preferences,
+                defaults,
+                hotKeys,
+                desktop.loginItem(),
+                desktop.applicationCatalog(),
+                [&controller] { controller.rebuildPanel(); },
+                {},
+                {},
+                desktop.portalOwnsShortcut()
+                    ? QStringLiteral(
+                          "Your desktop keeps this shortcut: it asks you to confirm a new one in its "
+                          "own window, and its keyboard settings can change it too.")
+                    : QString()});
         settingsWindow->show();
         qCDebug(lcSettings) << "settings window shown in" << opening.elapsed() << "ms";
     };

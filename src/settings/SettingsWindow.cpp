@@ -394,6 +394,7 @@ QWidget* SettingsWindow::behaviorPane() {
         QStringLiteral("Hold it down to bring back the files you removed last. Press it twice quickly "
                        "to add the clipboard's contents."));
     form.addHint(QStringLiteral("On many laptop keyboards, F-keys need Fn held down unless Fn Lock is on."));
+    if (!services_.shortcutNote.isEmpty()) form.addHint(services_.shortcutNote);
     form.addGap();
 
     auto* ignored = new IgnoredApplicationsView(prefs, services_.applications);

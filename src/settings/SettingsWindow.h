@@ -39,6 +39,9 @@ public:
         // Empty when nothing updates this installation: the update controls are left out.
         std::function<void()> checkForUpdates = {};
         QString updateHost = {};
+        // Said under the recorder where the desktop, not Mosswick, has the last word on the
+        // shortcut (the GlobalShortcuts portal on Wayland shows its own dialog).
+        QString shortcutNote = {};
     };
 
     static inline const QString kLegacyMaterialKey = QStringLiteral("useLegacyMaterial");

@@ -105,7 +105,7 @@ class Settings:
 
 @cases.case
 def every_pane_in_light_and_dark(d):
-    times = []
+    times, again = [], []
     for look in ("light", "dark"):
         s = Settings(d, {"appearance": look})
         times.append(s.open_time)
@@ -115,12 +115,14 @@ def every_pane_in_light_and_dark(d):
         # Escape closes; opened again it is the same window, back on the pane shown last.
         d.key("Escape")
         d.wait_for(lambda: not settings_windows(d, s.shelf), 3, "the window to close")
-        s.open()
+        again.append(s.open())
         d.screenshot(f"{look}-reopened")
         s.shelf.stop()
     measured = [t for t in times if t is not None]
-    print(f"ok: every pane shown in light and dark; opened in {', '.join(f'{t * 1000:.0f} ms' for t in measured)}"
-          f" from the menu's Return")
+    shown = ", ".join(f"{t * 1000:.0f} ms" for t in measured)
+    reshown = ", ".join(f"{t * 1000:.0f} ms" for t in again if t is not None)
+    print(f"ok: every pane shown in light and dark; from the menu's Return to the window's map: first "
+          f"{shown}, again {reshown}")
     assert measured and max(measured) <= OPEN_TIME_TARGET * 3, f"opening took {measured}"
 
 
