@@ -117,13 +117,18 @@ IgnoredApplicationsView::IgnoredApplicationsView(Preferences& preferences, Appli
             [this] { remove_->setEnabled(!list_->selectedItems().isEmpty()); });
     auto* deleteKey = new QShortcut(QKeySequence::Delete, list_, nullptr, nullptr, Qt::WidgetShortcut);
     connect(deleteKey, &QShortcut::activated, this, &IgnoredApplicationsView::removeSelected);
+    reread();
+}
+
+void IgnoredApplicationsView::reread() {
+    installed_ = catalog_.applications();
     refresh();
 }
 
 void IgnoredApplicationsView::refresh() {
     list_->clear();
     for (const IgnoredApplicationRow& row :
-         ApplicationChoices::rows(preferences_.ignoredApplications(), catalog_.applications())) {
+         ApplicationChoices::rows(preferences_.ignoredApplications(), installed_)) {
         auto* item = new QListWidgetItem(applicationIcon(row.iconName), row.name, list_);
         item->setData(kIdRole, row.storedId);
         item->setToolTip(row.installed ? row.storedId
@@ -133,7 +138,8 @@ void IgnoredApplicationsView::refresh() {
 }
 
 void IgnoredApplicationsView::add() {
-    ApplicationPicker picker(catalog_.applications(), preferences_.ignoredApplications(), window());
+    installed_ = catalog_.applications();
+    ApplicationPicker picker(installed_, preferences_.ignoredApplications(), window());
     if (picker.exec() != QDialog::Accepted) return;
     const QStringList ids = picker.chosenIds();
     if (ids.isEmpty()) return;

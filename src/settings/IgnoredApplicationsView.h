@@ -40,7 +40,10 @@ class IgnoredApplicationsView final : public QWidget {
 
 public:
     IgnoredApplicationsView(Preferences& preferences, ApplicationCatalog& catalog, QWidget* parent = nullptr);
+    // Shows the stored ids with what was last read of the installed applications.
     void refresh();
+    // Reads the installed applications again, then refreshes.
+    void reread();
     QListWidget* list() const { return list_; }
 
 private:
@@ -49,6 +52,7 @@ private:
 
     Preferences& preferences_;
     ApplicationCatalog& catalog_;
+    std::vector<InstalledApplication> installed_;
     QListWidget* list_;
     QToolButton* add_;
     QToolButton* remove_;

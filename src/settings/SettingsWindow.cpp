@@ -57,6 +57,15 @@ QStyle::StandardPixmap fallbackPixmap(SettingsPane pane) {
     return QStyle::SP_ComputerIcon;
 }
 
+// The desktop's font at another size; a font given in pixels keeps its unit.
+QFont scaled(QFont font, double factor) {
+    if (font.pointSizeF() > 0)
+        font.setPointSizeF(font.pointSizeF() * factor);
+    else if (font.pixelSize() > 0)
+        font.setPixelSize(std::max(1, static_cast<int>(font.pixelSize() * factor + 0.5)));
+    return font;
+}
+
 // Secondary text under a control: smaller, in the palette's placeholder colour, so it follows
 // light and dark.
 QLabel* hint(const QString& text) {
@@ -64,7 +73,7 @@ QLabel* hint(const QString& text) {
     label->setWordWrap(true);
     label->setForegroundRole(QPalette::PlaceholderText);
     QFont font = label->font();
-    font.setPointSizeF(font.pointSizeF() * 0.9);
+    font = scaled(font, 0.9);
     label->setFont(font);
     label->setMaximumWidth(kFormWidth - 40);
     return label;
@@ -88,7 +97,7 @@ public:
         column_->setSpacing(4);
         auto* heading = new QLabel(title);
         QFont font = heading->font();
-        font.setPointSizeF(font.pointSizeF() * 1.35);
+        font = scaled(font, 1.35);
         font.setBold(true);
         heading->setFont(font);
         column_->addWidget(heading);
@@ -212,7 +221,10 @@ SettingsWindow::SettingsWindow(Services services, QWidget* parent)
     connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_PageUp), this), &QShortcut::activated, this,
             [stepPane] { stepPane(-1); });
 
-    connect(&services_.preferences, &Preferences::changed, this, [this] { sync(); });
+    // A hidden window catches up when it shows.
+    connect(&services_.preferences, &Preferences::changed, this, [this] {
+        if (isVisible()) sync();
+    });
     setPane(SettingsPane::general);
     sync();
 }
@@ -245,8 +257,10 @@ void SettingsWindow::centreOnActiveScreen() {
 }
 
 void SettingsWindow::showEvent(QShowEvent* event) {
-    // The login item may have changed behind our back (an entry removed by hand).
+    // The login item may have changed behind our back (an entry removed by hand), and
+    // applications may have come or gone.
     login_.refresh();
+    if (ignored_) ignored_->reread();
     sync();
     QWidget::showEvent(event);
 }
@@ -398,6 +412,7 @@ QWidget* SettingsWindow::behaviorPane() {
     form.addGap();
 
     auto* ignored = new IgnoredApplicationsView(prefs, services_.applications);
+    ignored_ = ignored;
     auto* ignoredLabel = new QLabel(QStringLiteral("I&gnored applications:"));
     ignoredLabel->setBuddy(ignored->list());
     form.add(ignoredLabel);
@@ -575,7 +590,7 @@ QWidget* SettingsWindow::aboutPane() {
     auto* names = new QVBoxLayout;
     auto* name = new QLabel(QStringLiteral("Mosswick"));
     QFont big = name->font();
-    big.setPointSizeF(big.pointSizeF() * 1.6);
+    big = scaled(big, 1.6);
     big.setBold(true);
     name->setFont(big);
     names->addWidget(name);
@@ -601,7 +616,7 @@ QWidget* SettingsWindow::aboutPane() {
         auto* row = new QHBoxLayout;
         auto* bullet = new QLabel(QStringLiteral("●"));
         QFont small = bullet->font();
-        small.setPointSizeF(small.pointSizeF() * 0.6);
+        small = scaled(small, 0.6);
         bullet->setFont(small);
         bullet->setForegroundRole(QPalette::PlaceholderText);
         bullet->setAlignment(Qt::AlignTop | Qt::AlignHCenter);

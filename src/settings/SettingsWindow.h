@@ -17,6 +17,7 @@ namespace mosswick {
 class ApplicationCatalog;
 class DefaultsStore;
 class HotKeyManager;
+class IgnoredApplicationsView;
 class Preferences;
 class ShortcutRecorderView;
 
@@ -76,6 +77,7 @@ private:
     QListWidget* sidebar_;
     QStackedWidget* pages_;
     ShortcutRecorderView* recorder_ = nullptr;
+    IgnoredApplicationsView* ignored_ = nullptr;
     std::vector<std::function<void()>> syncs_;
 };
 

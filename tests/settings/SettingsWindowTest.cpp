@@ -70,7 +70,7 @@ protected:
 };
 
 TEST_F(SettingsWindowTest, EveryBoxWritesItsPreferenceAtOnceAndFollowsChangesMadeElsewhere) {
-    window();
+    window().show();
     struct Case {
         const char* text;
         std::function<bool()> read;
@@ -108,7 +108,7 @@ TEST_F(SettingsWindowTest, EveryBoxWritesItsPreferenceAtOnceAndFollowsChangesMad
 }
 
 TEST_F(SettingsWindowTest, PickersPositionAndLimit) {
-    window();
+    window().show();
     auto* positions = find<QListWidget>(QStringLiteral("position"));
     positions->setCurrentRow(3);
     EXPECT_EQ(preferences.position(), ShelfPosition::rightTop);
