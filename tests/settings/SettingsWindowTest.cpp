@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QKeyEvent>
 #include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
@@ -11,6 +13,7 @@
 #include "model/Preferences.h"
 #include "settings/ApplicationCatalog.h"
 #include "settings/SettingsWindow.h"
+#include "settings/ShortcutRecorderView.h"
 #include "triggers/DummyHotKeyService.h"
 #include "triggers/HotKeyManager.h"
 #include "support/ManualScheduler.h"
@@ -171,6 +174,57 @@ TEST_F(SettingsWindowTest, TheLoginSwitchShowsWhyItFailedAndTheRealStateEachTime
     login.enabled = false;  // the entry removed by hand
     settings.show();
     EXPECT_FALSE(box->isChecked());
+}
+
+// Keys as X delivers them: the X keycode (evdev + 8) in the native scan code.
+TEST_F(SettingsWindowTest, TheRecorderButtonTurnsKeyEventsIntoStoredCombos) {
+    ShortcutRecorderView view(hotKeys);
+    hotKeys.registerCombo(KeyCombo{KeyCombo::kF5, 0});
+    const auto press = [&view](int key, Qt::KeyboardModifiers modifiers, quint32 xKeycode) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers, xKeycode, 0, 0);
+        QApplication::sendEvent(view.button(), &event);
+    };
+    struct Case {
+        const char* what;
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        quint32 xKeycode;
+        std::optional<KeyCombo> after;
+        QString title;
+    };
+    const Case cases[] = {
+        {"Ctrl alone waits for a key", Qt::Key_Control, Qt::ControlModifier, 37, KeyCombo{KeyCombo::kF5, 0},
+         QStringLiteral("Press keys…")},
+        {"Ctrl+Alt+K",
+         Qt::Key_K,
+         Qt::ControlModifier | Qt::AltModifier,
+         45,
+         KeyCombo{40, KeyCombo::kControl | KeyCombo::kOption},
+         {}},
+        {"Super+Shift+F12",
+         Qt::Key_F12,
+         Qt::MetaModifier | Qt::ShiftModifier,
+         96,
+         KeyCombo{111, KeyCombo::kCommand | KeyCombo::kShift},
+         {}},
+        {"Escape keeps what was there", Qt::Key_Escape, Qt::NoModifier, 9, KeyCombo{KeyCombo::kF5, 0},
+         QStringLiteral("F5")},
+        {"Backspace removes it", Qt::Key_Backspace, Qt::NoModifier, 22, std::nullopt,
+         QStringLiteral("Click to record")},
+    };
+    for (const Case& c : cases) {
+        hotKeys.registerCombo(KeyCombo{KeyCombo::kF5, 0});
+        view.refresh();
+        view.button()->click();
+        press(c.key, c.modifiers, c.xKeycode);
+        EXPECT_EQ(hotKeys.combo(), c.after) << c.what;
+        EXPECT_EQ(view.button()->text(), c.title.isEmpty() ? c.after->displayString() : c.title) << c.what;
+        view.stopRecording();
+    }
+    // Not recording: keys are the button's as usual, and nothing is recorded.
+    hotKeys.registerCombo(KeyCombo{KeyCombo::kF5, 0});
+    press(Qt::Key_K, Qt::ControlModifier | Qt::AltModifier, 45);
+    EXPECT_EQ(hotKeys.combo(), KeyCombo({KeyCombo::kF5, 0}));
 }
 
 }  // namespace

@@ -39,8 +39,7 @@ QByteArrayList localizedNameKeys() {
 }
 
 // Only the [Desktop Entry] group counts, and only its unlocalised keys.
-EntryKeys keysOf(const QString& path) {
-    static const QByteArrayList nameKeys = localizedNameKeys();
+EntryKeys keysOf(const QString& path, const QByteArrayList& nameKeys = {}) {
     EntryKeys keys;
     int localizedRank = nameKeys.size();
     QFile file(path);
@@ -139,6 +138,7 @@ std::vector<WindowClassEntry> DesktopEntries::read(const QStringList& folders) {
 }
 
 std::vector<InstalledApplication> DesktopEntries::applications(const QStringList& folders) {
+    const QByteArrayList nameKeys = localizedNameKeys();
     std::vector<InstalledApplication> found;
     QSet<QString> seen;
     for (const QString& path : folders) {
@@ -150,7 +150,7 @@ std::vector<InstalledApplication> DesktopEntries::applications(const QStringList
             const QString id = desktopIdOf(folder, file);
             if (seen.contains(id)) continue;
             seen.insert(id);
-            const EntryKeys keys = keysOf(file);
+            const EntryKeys keys = keysOf(file, nameKeys);
             if (keys.hidden || keys.noDisplay || keys.type != QLatin1String("Application")) continue;
             const QString name = !keys.localizedName.isEmpty() ? keys.localizedName
                                  : !keys.name.isEmpty()        ? keys.name
