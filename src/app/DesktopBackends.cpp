@@ -1,10 +1,12 @@
 #include "app/DesktopBackends.h"
 
 #include <QDBusConnection>
-#include <QFile>
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
 
+#include "platform/freedesktop/BackgroundPortalLoginItem.h"
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/DesktopEntries.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
@@ -86,22 +88,16 @@ void DesktopBackends::followDesktopState() {
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
     installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
-    loginItem_ = chooseLoginItem();
 }
 
-std::unique_ptr<LoginItem> DesktopBackends::chooseLoginItem() {
+std::unique_ptr<LoginItem> DesktopBackends::makeLoginItem(DefaultsStore& defaults) {
     if (qEnvironmentVariable("MOSSWICK_TEST_HOST") == QLatin1String("1"))
         return std::make_unique<NoLoginItem>();
-    // A sandboxed program cannot write the host's autostart folder; the desktop's Background
-    // portal would have to start it instead, which this build does not ask yet.
-    if (QFile::exists(QStringLiteral("/.flatpak-info"))) {
-        qInfo(
-            "Mosswick runs in a Flatpak sandbox: starting at login would go through the Background portal, "
-            "which this build does not use yet.");
-        return std::make_unique<UnavailableLoginItem>(
-            QStringLiteral("starting at login from a Flatpak sandbox needs the desktop's Background portal, "
-                           "which this version of Mosswick does not use yet"));
-    }
+    // A sandboxed program cannot write the host's autostart folder; the desktop writes it for us.
+    if (BackgroundPortalLoginItem::isSandboxed())
+        return std::make_unique<BackgroundPortalLoginItem>(
+            QDBusConnection::sessionBus(), defaults,
+            QStringList{QFileInfo(QCoreApplication::applicationFilePath()).fileName()});
     return std::make_unique<XdgAutostartEntry>(XdgAutostartEntry::defaultFolder(),
                                                XdgAutostartEntry::installedExecutable());
 }

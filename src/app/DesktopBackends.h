@@ -6,6 +6,7 @@
 
 namespace mosswick {
 
+class DefaultsStore;
 class DesktopColorScheme;
 class DesktopMotionSetting;
 class DisplayEnvironment;
@@ -46,15 +47,15 @@ public:
     InstalledApplications& installedApplications();
     // The installed applications the ignore list offers.
     ApplicationCatalog& applicationCatalog();
-    // Start at login: the XDG autostart entry; none under the test-host switch
-    // (MOSSWICK_TEST_HOST=1); inside a Flatpak sandbox, a refusal that says why.
-    LoginItem& loginItem() { return *loginItem_; }
+    // Start at login: the XDG autostart entry; inside a Flatpak sandbox the Background portal
+    // (which keeps its last answer in `defaults`); none under the test-host switch
+    // (MOSSWICK_TEST_HOST=1).
+    static std::unique_ptr<LoginItem> makeLoginItem(DefaultsStore& defaults);
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
 
 private:
     DesktopBackends();
     void followDesktopState();
-    static std::unique_ptr<LoginItem> chooseLoginItem();
 
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
@@ -68,7 +69,6 @@ private:
 
     std::unique_ptr<SleepWatch> sleepWatch_;
     std::unique_ptr<DesktopEntries> installedApplications_;
-    std::unique_ptr<LoginItem> loginItem_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 

@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
         ClipboardImport::addContentsOfClipboard(clipboardImport);
     };
 
+    const std::unique_ptr<LoginItem> loginItem = DesktopBackends::makeLoginItem(defaults);
     // One settings window for the run, made when first asked for.
     std::unique_ptr<SettingsWindow> settingsWindow;
     const auto showSettings = [&] {
@@ -113,7 +114,7 @@ int main(int argc, char** argv) {
                 preferences,
                 defaults,
                 hotKeys,
-                desktop.loginItem(),
+                *loginItem,
                 desktop.applicationCatalog(),
                 [&controller] { controller.rebuildPanel(); },
                 {},

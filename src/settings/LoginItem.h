@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <functional>
 
 namespace mosswick {
 
@@ -13,8 +14,12 @@ public:
     virtual bool isEnabled() const = 0;
     // True when the desktop still has to let Mosswick start at login (a sandbox's permission).
     virtual bool needsApproval() const { return false; }
-    // Empty on success, else the reason in words.
+    // Empty on success (or, where the desktop answers later, on asking), else the reason in
+    // words.
     virtual QString setEnabled(bool enabled) = 0;
+
+    // Called when the state changed without a setEnabled() returning it: a desktop's late answer.
+    std::function<void()> onChange = [] {};
 };
 
 // For test runs and sessions where starting at login is not Mosswick's to change: always off,

@@ -225,11 +225,18 @@ SettingsWindow::SettingsWindow(Services services, QWidget* parent)
     connect(&services_.preferences, &Preferences::changed, this, [this] {
         if (isVisible()) sync();
     });
+    // The portal answers a request later.
+    services_.loginItem.onChange = [this] {
+        login_.refresh();
+        if (isVisible()) sync();
+    };
     setPane(SettingsPane::general);
     sync();
 }
 
-SettingsWindow::~SettingsWindow() = default;
+SettingsWindow::~SettingsWindow() {
+    services_.loginItem.onChange = [] {};
+}
 
 void SettingsWindow::setPane(SettingsPane pane) {
     pane_ = pane;
