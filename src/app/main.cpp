@@ -8,6 +8,7 @@
 #include <QIcon>
 #include <QLoggingCategory>
 #include <QMessageBox>
+#include <QSessionManager>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
@@ -158,6 +159,11 @@ int main(int argc, char** argv) {
          [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
+#if QT_CONFIG(sessionmanager)
+    // A session manager ending the session may not let us reach aboutToQuit: save the shelf now.
+    QObject::connect(&app, &QGuiApplication::commitDataRequest,
+                     [&store](QSessionManager&) { store.flush(); });
+#endif
 
     delegate.applicationDidFinishLaunching();
     if (options.isSet(kSummonOption)) controller.summon();

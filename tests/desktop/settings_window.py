@@ -3,7 +3,8 @@ dark (screenshots), one control of each pane flipped from the keyboard and seen 
 once (settings.json, the tray icon, the shelf's position), a shortcut recorded with the keyboard
 and then used, a key another program holds refused with the old shortcut kept, an application
 picked from the installed ones and ignored, and the start-at-login switch writing an autostart
-entry that desktop-file-validate accepts.
+entry that desktop-file-validate accepts; and every way out (the tray's Quit, SIGTERM, SIGHUP,
+SIGINT) is an orderly quit.
 
 The window's open time is from the Return that chooses "Settings…" to the window's map, as the
 test peer's watcher saw it; `settings_window.py CASE…` runs the named cases alone."""
@@ -12,6 +13,7 @@ import base64
 import json
 import os
 import shutil
+import signal
 import subprocess
 import time
 
@@ -268,6 +270,26 @@ def the_login_switch_writes_a_valid_autostart_entry(d):
     d.screenshot("login-item-error")
     assert os.path.isdir(entry)
     print("ok: a failure leaves the switch off (see login-item-error.png for the line under it)")
+
+
+@cases.case
+def every_way_out_is_an_orderly_quit(d):
+    # Quit from the tray with the settings window open.
+    s = Settings(d)
+    icon = tray_icon(d, s.shelf)
+    x, y, w, h = d.window_geometry(icon)
+    d.click(x + w // 2, y + h // 2)
+    d.wait_for(lambda: len(d.windows(s.shelf.app)) > 2, 5, "the tray menu")
+    d.key("Up")
+    d.key("Return")
+    assert s.shelf.app.wait(5) == 0, s.shelf.app.output()[-2000:]
+    print("ok: \"Quit Mosswick\" from the tray, with the settings window open, exits cleanly")
+    # The session's end and the terminal: the same quit sequence, not death by signal.
+    for number in (signal.SIGTERM, signal.SIGHUP, signal.SIGINT):
+        shelf = Shelf(d)
+        os.kill(shelf.app.pid, number)
+        assert shelf.app.wait(5) == 0, f"{number.name}: exit {shelf.app.popen.returncode}"
+    print("ok: SIGTERM, SIGHUP and SIGINT each end Mosswick through its quit sequence (exit 0)")
 
 
 cases.run()

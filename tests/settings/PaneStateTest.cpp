@@ -2,7 +2,6 @@
 
 #include "settings/ApplicationCatalog.h"
 #include "settings/PaneState.h"
-#include "settings/SettingsPane.h"
 
 using namespace mosswick;
 
@@ -43,14 +42,6 @@ TEST(PaneStateTest, TheItemLimitStepsInFivesBetweenFiveAndFiveHundred) {
                            Typed{"files", std::nullopt}, Typed{"", std::nullopt}}) {
         EXPECT_EQ(ItemCountStepper::parse(QString::fromUtf8(t.text)), t.value) << t.text;
     }
-}
-
-TEST(PaneStateTest, PanesRoundTripByRawValue) {
-    for (SettingsPane pane : SettingsPanes::kAll) {
-        EXPECT_EQ(SettingsPanes::fromRawValue(SettingsPanes::rawValue(pane)), pane);
-        EXPECT_FALSE(SettingsPanes::iconNames(pane).isEmpty());
-    }
-    EXPECT_EQ(SettingsPanes::fromRawValue(QStringLiteral("General")), std::nullopt);
 }
 
 TEST(PaneStateTest, IgnoredApplicationsAreShownByNameAndKeptByIdEvenOnceUninstalled) {
