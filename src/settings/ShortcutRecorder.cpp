@@ -5,7 +5,13 @@
 
 namespace mosswick {
 
-ShortcutRecorder::ShortcutRecorder(HotKeyManager& hotKeys) : hotKeys_(hotKeys) {}
+ShortcutRecorder::ShortcutRecorder(HotKeyManager& hotKeys) : hotKeys_(hotKeys) {
+    hotKeys_.onLateRefusal = [this](const KeyCombo& combo) { lateRefusal(combo); };
+}
+
+ShortcutRecorder::~ShortcutRecorder() {
+    hotKeys_.onLateRefusal = [](const KeyCombo&) {};
+}
 
 void ShortcutRecorder::toggleRecording() {
     recording_ = !recording_;
@@ -46,18 +52,34 @@ ShortcutRecorder::Outcome ShortcutRecorder::keyPressed(quint16 keyCode, quint64 
     hotKeys_.registerCombo(combo);
     if (hotKeys_.isRegistered()) {
         message_.clear();
+        recorded_ = combo;
+        beforeRecorded_ = previous;
         return finish(Outcome::recorded);
     }
-    // Give the old key back (and store it again) so the user is never left without the shortcut
-    // that worked a moment ago.
-    hotKeys_.registerCombo(previous);
-    message_ = QStringLiteral("%1 is already taken by another program. ").arg(combo.displayString());
-    message_ += previous ? QStringLiteral("The shortcut is still %1.").arg(previous->displayString())
-                         : QStringLiteral("There is still no shortcut.");
+    restore(combo, previous);
     return finish(Outcome::refused);
 }
 
+void ShortcutRecorder::restore(KeyCombo refused, std::optional<KeyCombo> previous) {
+    // Give the old key back (and store it again) so the user is never left without the shortcut
+    // that worked a moment ago.
+    recorded_.reset();
+    hotKeys_.registerCombo(previous);
+    message_ = QStringLiteral("%1 is already taken by another program. ").arg(refused.displayString());
+    message_ += previous ? QStringLiteral("The shortcut is still %1.").arg(previous->displayString())
+                         : QStringLiteral("There is still no shortcut.");
+}
+
+void ShortcutRecorder::lateRefusal(const KeyCombo& combo) {
+    // Only a refusal of what was just recorded here undoes anything; one of the shortcut the
+    // user has had all along is logged and left alone.
+    if (recorded_ != combo) return;
+    restore(combo, beforeRecorded_);
+    onChange();
+}
+
 void ShortcutRecorder::remove() {
+    recorded_.reset();
     hotKeys_.registerCombo(std::nullopt);
     message_.clear();
     recording_ = false;

@@ -29,6 +29,9 @@ public:
     static constexpr quint16 kBackspace = 51;
 
     explicit ShortcutRecorder(HotKeyManager& hotKeys);
+    ~ShortcutRecorder();
+    ShortcutRecorder(const ShortcutRecorder&) = delete;
+    ShortcutRecorder& operator=(const ShortcutRecorder&) = delete;
 
     // Called after every change of what the control shows.
     std::function<void()> onChange = [] {};
@@ -54,10 +57,16 @@ public:
 
 private:
     Outcome finish(Outcome outcome);
+    // Puts `previous` back after the desktop refused `refused`, and says so.
+    void restore(KeyCombo refused, std::optional<KeyCombo> previous);
+    void lateRefusal(const KeyCombo& combo);
 
     HotKeyManager& hotKeys_;
     bool recording_ = false;
     QString message_;
+    // The shortcut before the last one recorded, while the desktop may still refuse that one.
+    std::optional<KeyCombo> recorded_;
+    std::optional<KeyCombo> beforeRecorded_;
 };
 
 }  // namespace mosswick

@@ -20,17 +20,27 @@ namespace {
 // Grabs any key but those another program is said to hold.
 class GrabbingService final : public HotKeyService {
 public:
-    void installHandler(EventHandler, FailureHandler) override {}
+    void installHandler(EventHandler, FailureHandler lateFailures) override {
+        lateFailures_ = std::move(lateFailures);
+    }
     Registration registerHotKey(const KeyCombo& combo) override {
         if (heldElsewhere.contains(combo.keyCode)) return {std::nullopt, 10};
         grabbed = combo;
         return {++lastHandle, 0};
+    }
+    // As a portal does: the handle given out is refused a moment later.
+    void refuseLater() {
+        grabbed.reset();
+        if (lateFailures_) lateFailures_(lastHandle, 2);
     }
     void unregisterHotKey(Handle) override { grabbed.reset(); }
 
     std::set<quint16> heldElsewhere;
     std::optional<KeyCombo> grabbed;
     Handle lastHandle = 0;
+
+private:
+    FailureHandler lateFailures_;
 };
 
 constexpr quint16 kA = 0;
@@ -134,6 +144,31 @@ TEST_F(ShortcutRecorderTest, AKeyHeldElsewhereLeavesTheOldShortcutWorkingAndSays
         EXPECT_EQ(recorder.keyPressed(kSpace, kCtrlAlt), Outcome::recorded);
         EXPECT_TRUE(recorder.message().isEmpty());
     }
+}
+
+TEST_F(ShortcutRecorderTest, ALateRefusalOfTheRecordedKeyPutsTheOldOneBack) {
+    hotKeys.registerCombo(kOld);
+    ShortcutRecorder recorder(hotKeys);
+    int changes = 0;
+    recorder.onChange = [&] { ++changes; };
+    recorder.toggleRecording();
+    ASSERT_EQ(recorder.keyPressed(kSpace, kCtrlAlt), Outcome::recorded);
+    changes = 0;
+    service.refuseLater();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(hotKeys.combo(), kOld);
+    EXPECT_TRUE(hotKeys.isRegistered());
+    EXPECT_EQ(service.grabbed, kOld);
+    EXPECT_EQ(KeyCombo::load(store), kOld);
+    EXPECT_EQ(
+        recorder.message(),
+        QStringLiteral("Ctrl+Alt+Space is already taken by another program. The shortcut is still F5."));
+
+    // Refusing the old shortcut later is not the recorder's business: nothing is undone.
+    changes = 0;
+    service.refuseLater();
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(KeyCombo::load(store), kOld);
 }
 
 TEST_F(ShortcutRecorderTest, KeysOutsideRecordingAndTheRemoveButton) {
