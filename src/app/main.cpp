@@ -84,8 +84,13 @@ int main(int argc, char** argv) {
     DesktopBackends desktop = DesktopBackends::forThisSession();
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
-    const ShelfPanelFactory panels(
-        {store, ReducedMotion(preferences, desktop.desktopMotion()), desktop.panelHints(), drops});
+    const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
+                                    desktop.panelHints(), drops, [&defaults] {
+                                        const auto stored =
+                                            defaults.value(SettingsWindow::kLegacyMaterialKey);
+                                        const bool* classic = stored ? std::get_if<bool>(&*stored) : nullptr;
+                                        return classic && *classic;
+                                    }});
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);

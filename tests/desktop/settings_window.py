@@ -156,6 +156,13 @@ def a_control_of_each_pane_acts_at_once(d):
     d.key("alt+r")
     wait_setting(d, "removeItemsWhenDraggedOut", False, "removeItemsWhenDraggedOut to be saved off")
     print("ok: Advanced: \"Remove files from the shelf once they're dragged out\" is saved at once")
+    # The classic material makes the shelf's window anew, while it is up.
+    d.key("alt+c")
+    wait_setting(d, "useLegacyMaterial", True, "useLegacyMaterial to be saved on")
+    s.shelf.summon_again()
+    d.wait_for(shelf_frame, 5, "the shelf, made anew, back in place")
+    assert s.shelf.app.running()
+    print("ok: Advanced: the classic material is saved and the shelf made anew")
 
     # General last: the tray icon it takes away is the way in.
     s.pane("general")
