@@ -20,11 +20,15 @@ void AppDelegate::applicationDidFinishLaunching() {
     ShelfWindowController& controller = services_.controller;
 
     services_.applyAppearance(preferences.appearance());
+    if (services_.showMenuBarIcon) services_.showMenuBarIcon(preferences.showMenuBarIcon());
     // Applied on a later turn of the event loop, never inside the setter that changed it.
     connect(&preferences, &Preferences::changed, this, [this](Preference preference) {
-        if (preference != Preference::appearance) return;
-        QTimer::singleShot(0, this,
-                           [this] { services_.applyAppearance(services_.preferences.appearance()); });
+        if (preference == Preference::appearance)
+            QTimer::singleShot(0, this,
+                               [this] { services_.applyAppearance(services_.preferences.appearance()); });
+        if (preference == Preference::showMenuBarIcon && services_.showMenuBarIcon)
+            QTimer::singleShot(
+                0, this, [this] { services_.showMenuBarIcon(services_.preferences.showMenuBarIcon()); });
     });
 
     DragMonitor& monitor = services_.dragMonitor;

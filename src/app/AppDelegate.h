@@ -35,6 +35,8 @@ public:
         std::function<void(AppearanceMode)> applyAppearance;
         // Says when the machine wakes, to run systemDidWake().
         SleepWatch& sleepWatch;
+        // Shows or removes the tray icon.
+        std::function<void(bool)> showMenuBarIcon = {};
     };
 
     explicit AppDelegate(Services services, QObject* parent = nullptr);

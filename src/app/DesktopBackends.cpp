@@ -1,9 +1,12 @@
 #include "app/DesktopBackends.h"
 
 #include <QDBusConnection>
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMimeData>
 
+#include "platform/freedesktop/BackgroundPortalLoginItem.h"
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/DesktopEntries.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
@@ -18,6 +21,7 @@
 #include "platform/x11/X11PanelHints.h"
 #include "platform/x11/X11WorkArea.h"
 #include "platform/x11/XkbKeyboardLayout.h"
+#include "settings/LoginItem.h"
 #include "shelf/PanelWindowHints.h"
 #include "triggers/DummyDesktopProbe.h"
 #include "triggers/DummyHotKeyService.h"
@@ -61,6 +65,7 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (isWaylandSession() && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
         backends.hotKeys_ =
             std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared());
+        backends.portalOwnsShortcut_ = true;
     } else if (backends.x11_) {
         backends.hotKeys_ = std::make_unique<X11HotKeyService>(*backends.x11_);
     } else {
@@ -84,6 +89,21 @@ void DesktopBackends::followDesktopState() {
     installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
 }
+
+std::unique_ptr<LoginItem> DesktopBackends::makeLoginItem(DefaultsStore& defaults) {
+    if (qEnvironmentVariable("MOSSWICK_TEST_HOST") == QLatin1String("1"))
+        return std::make_unique<NoLoginItem>();
+    // A sandboxed program cannot write the host's autostart folder; the desktop writes it for us.
+    if (BackgroundPortalLoginItem::isSandboxed())
+        return std::make_unique<BackgroundPortalLoginItem>(
+            QDBusConnection::sessionBus(), defaults,
+            QStringList{QFileInfo(QCoreApplication::applicationFilePath()).fileName()});
+    return std::make_unique<XdgAutostartEntry>(XdgAutostartEntry::defaultFolder(),
+                                               XdgAutostartEntry::installedExecutable());
+}
+
+InstalledApplications& DesktopBackends::installedApplications() { return *installedApplications_; }
+ApplicationCatalog& DesktopBackends::applicationCatalog() { return *installedApplications_; }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {
     QMimeDataPasteboard::PromiseFactory promises;

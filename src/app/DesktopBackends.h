@@ -6,12 +6,16 @@
 
 namespace mosswick {
 
+class DefaultsStore;
 class DesktopColorScheme;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
 class HotKeyService;
+class ApplicationCatalog;
+class DesktopEntries;
 class InstalledApplications;
+class LoginItem;
 class KeyboardLayout;
 class PanelWindowHints;
 class SleepWatch;
@@ -32,13 +36,21 @@ public:
     DesktopMotionSetting& desktopMotion() { return *desktopMotion_; }
     DesktopProbe& probe() { return *probe_; }
     HotKeyService& hotKeys() { return *hotKeys_; }
+    // Whether the desktop's portal, not an X11 grab, holds the shortcut (and asks the user itself).
+    bool portalOwnsShortcut() const { return portalOwnsShortcut_; }
     PanelWindowHints& panelHints() { return *panelHints_; }
     // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
     ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
 
     // What the application follows of the desktop beyond the shelf's own window.
     SleepWatch& sleepWatch() { return *sleepWatch_; }
-    InstalledApplications& installedApplications() { return *installedApplications_; }
+    InstalledApplications& installedApplications();
+    // The installed applications the ignore list offers.
+    ApplicationCatalog& applicationCatalog();
+    // Start at login: the XDG autostart entry; inside a Flatpak sandbox the Background portal
+    // (which keeps its last answer in `defaults`); none under the test-host switch
+    // (MOSSWICK_TEST_HOST=1).
+    static std::unique_ptr<LoginItem> makeLoginItem(DefaultsStore& defaults);
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
 
 private:
@@ -51,11 +63,12 @@ private:
     std::unique_ptr<DesktopProbe> probe_;
     std::unique_ptr<KeyboardLayout> layout_;
     std::unique_ptr<HotKeyService> hotKeys_;
+    bool portalOwnsShortcut_ = false;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
-    std::unique_ptr<InstalledApplications> installedApplications_;
+    std::unique_ptr<DesktopEntries> installedApplications_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
 };
 

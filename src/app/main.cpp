@@ -4,23 +4,36 @@
 #include <QClipboard>
 #include <QCommandLineParser>
 #include <QThread>
+#include <QDBusConnection>
+#include <QElapsedTimer>
+#include <QIcon>
+#include <QLoggingCategory>
+#include <QMessageBox>
+#include <QSessionManager>
 #include <cstdio>
 
 #include "app/AppDelegate.h"
 #include "app/DesktopBackends.h"
+#include "app/MenuBarIcon.h"
+#include "app/StatusBarController.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
 #include "interaction/ThumbnailProvider.h"
+#include "interaction/MenuActions.h"
+#include "interaction/ShelfMenus.h"
 #include "model/AppFiles.h"
 #include "model/JsonDefaultsStore.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "platform/qt/LowPriorityPool.h"
+#include "platform/freedesktop/FreedesktopWorkspace.h"
 #include "platform/qt/QClipboardPasteboard.h"
+#include "platform/qt/QtFileClipboard.h"
 #include "platform/qt/QtScheduler.h"
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/ThemeWorkspaceIcons.h"
 #include "platform/qt/UnixSignalQuit.h"
+#include "settings/SettingsWindow.h"
 #include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanelFactory.h"
 #include "shelf/ShelfWindowController.h"
@@ -32,6 +45,7 @@ using namespace mosswick;
 namespace {
 
 const QString kSummonOption = QStringLiteral("summon");
+Q_LOGGING_CATEGORY(lcSettings, "mosswick.settings")
 
 }  // namespace
 
@@ -41,6 +55,12 @@ int main(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(MOSSWICK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("mosswick"));
     QApplication::setQuitOnLastWindowClosed(false);
+    // Without a desktop that names its icon theme (a bare window manager), the settings' icons
+    // come from the theme every freedesktop system ships.
+    if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+    // The settings window's icon and the About pane's picture.
+    QApplication::setWindowIcon(MenuBarIcon::icon(QApplication::palette().color(QPalette::WindowText)));
 
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral(
@@ -81,8 +101,13 @@ int main(int argc, char** argv) {
     DesktopBackends desktop = DesktopBackends::forThisSession();
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
-    const ShelfPanelFactory panels(
-        {store, ReducedMotion(preferences, desktop.desktopMotion()), desktop.panelHints(), drops});
+    const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
+                                    desktop.panelHints(), drops, [&defaults] {
+                                        const auto stored =
+                                            defaults.value(SettingsWindow::kLegacyMaterialKey);
+                                        const bool* classic = stored ? std::get_if<bool>(&*stored) : nullptr;
+                                        return classic && *classic;
+                                    }});
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);
@@ -97,12 +122,70 @@ int main(int argc, char** argv) {
     const ClipboardImport::Services clipboardImport{
         [] { return std::make_unique<QClipboardPasteboard>(*QGuiApplication::clipboard()); },
         [] { QApplication::beep(); }, [&controller] { controller.summon(); }, ingest};
-    AppDelegate delegate({preferences, store, controller, dragMonitor, hotKeys, defaults,
-                          [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
-                          [&appearance](AppearanceMode mode) { appearance.apply(mode); },
-                          desktop.sleepWatch()});
+    const auto addClipboardContents = [&clipboardImport] {
+        ClipboardImport::addContentsOfClipboard(clipboardImport);
+    };
+
+    const std::unique_ptr<LoginItem> loginItem = DesktopBackends::makeLoginItem(defaults);
+    // One settings window for the run, made when first asked for.
+    std::unique_ptr<SettingsWindow> settingsWindow;
+    const auto showSettings = [&] {
+        QElapsedTimer opening;
+        opening.start();
+        if (!settingsWindow)
+            settingsWindow = std::make_unique<SettingsWindow>(SettingsWindow::Services{
+                preferences,
+                defaults,
+                hotKeys,
+                *loginItem,
+                desktop.applicationCatalog(),
+                [&controller] { controller.rebuildPanel(); },
+                {},
+                {},
+                desktop.portalOwnsShortcut()
+                    ? QStringLiteral(
+                          "Your desktop keeps this shortcut: it asks you to confirm a new one in its "
+                          "own window, and its keyboard settings can change it too.")
+                    : QString()});
+        settingsWindow->show();
+        qCDebug(lcSettings) << "settings window shown in" << opening.elapsed() << "ms";
+    };
+
+    FreedesktopWorkspace workspace(QDBusConnection::sessionBus());
+    QtFileClipboard fileClipboard;
+    MenuActions menuActions({preferences,
+                             store,
+                             controller,
+                             workspace,
+                             fileClipboard,
+                             addClipboardContents,
+                             showSettings,
+                             [] {
+                                 QMessageBox::about(
+                                     nullptr, QStringLiteral("About Mosswick"),
+                                     QStringLiteral("<b>Mosswick</b> %1<p>A place to put a file down "
+                                                    "mid-drag, so your hand is free to open wherever "
+                                                    "it's going.</p>")
+                                         .arg(QApplication::applicationVersion()));
+                             },
+                             {},
+                             [] { QApplication::quit(); }});
+    StatusBarController statusBar({[&] {
+                                       return ShelfMenus::mainMenu({preferences, store, false});
+                                   },
+                                   [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
+
+    AppDelegate delegate(
+        {preferences, store, controller, dragMonitor, hotKeys, defaults, addClipboardContents,
+         [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
+         [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
+#if QT_CONFIG(sessionmanager)
+    // A session manager ending the session may not let us reach aboutToQuit: save the shelf now.
+    QObject::connect(&app, &QGuiApplication::commitDataRequest,
+                     [&store](QSessionManager&) { store.flush(); });
+#endif
 
     delegate.applicationDidFinishLaunching();
     if (options.isSet(kSummonOption)) controller.summon();
@@ -113,6 +196,7 @@ int main(int argc, char** argv) {
     else
         std::fprintf(stderr, "Mosswick is running: drag a file to bring the shelf up.\n");
     const int status = app.exec();
+    settingsWindow.reset();
     delegate.applicationWillTerminate();
     return status;
 }

@@ -15,6 +15,10 @@ set(MOSSWICK_INTERACTION_SOURCES
   DesktopColorScheme.h
   ApplicationAppearance.h ApplicationAppearance.cpp
   SpringCurve.h SpringCurve.cpp
+  MenuContent.h
+  ShelfMenus.h ShelfMenus.cpp
+  Workspace.h
+  MenuActions.h MenuActions.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.
 set(MOSSWICK_INTERACTION_VIEW_SOURCES
@@ -30,4 +34,5 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   EmptyStateView.h EmptyStateView.cpp
   DropHighlight.h DropHighlight.cpp
   ShelfView.h ShelfView.cpp
+  MenuRenderer.h MenuRenderer.cpp
 )

@@ -186,8 +186,13 @@ void ShelfPanel::resizeEvent(QResizeEvent*) {
     updateMask();
 }
 
+void ShelfPanel::setClassicMaterial(bool classic) {
+    classicMaterial_ = classic;
+    updateTranslucency();
+}
+
 void ShelfPanel::updateTranslucency() {
-    content_->setTranslucent(hints_.compositorRunning(winId()));
+    content_->setTranslucent(!classicMaterial_ && hints_.compositorRunning(winId()));
     updateMask();
 }
 

@@ -50,6 +50,10 @@ public:
     void setAppearance(AppearanceMode mode);
     AppearanceMode appearance() const { return appearance_; }
 
+    // The classic material: a solid body cut to its rounded shape even where a compositor could
+    // show what lies behind, for desktops whose compositor leaves the see-through body stale.
+    void setClassicMaterial(bool classic);
+
     bool acceptsFocus() const { return !windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus); }
 
 signals:
@@ -74,6 +78,7 @@ private:
     void applyPalette();
 
     ShelfContentView* content_;
+    bool classicMaterial_ = false;
     PanelWindowHints& hints_;
     QRect frame_;
     bool confirmingPosition_ = false;

@@ -10,6 +10,7 @@ std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRec
     // The controller places the new panel itself before showing it.
     auto* panel = new ShelfPanel(parts_.store, parts_.motion, parts_.hints);
     panel->contentView().setDropHandler(&parts_.drops);
+    if (parts_.classicMaterial) panel->setClassicMaterial(parts_.classicMaterial());
     if (onPanelMade) onPanelMade(*panel);
     return std::make_unique<QtShelfPanelSurface>(panel);
 }

@@ -22,6 +22,8 @@ public:
         ReducedMotion motion;
         PanelWindowHints& hints;
         ShelfDropHandler& drops;
+        // Whether the user chose the classic material; asked as each panel is made.
+        std::function<bool()> classicMaterial = {};
     };
 
     explicit ShelfPanelFactory(Parts parts) : parts_(parts) {}

@@ -76,6 +76,8 @@ void HotKeyManager::handleLateFailure(HotKeyService::Handle handle, qint32 statu
     hotKeyRef_.reset();
     cancelTimers();
     reportFailure(status);
+    // A copy: the callback may register another combo.
+    if (const std::optional<KeyCombo> refused = combo_) onLateRefusal(*refused);
 }
 
 void HotKeyManager::reportFailure(qint32 status) const {

@@ -33,6 +33,9 @@ public:
     std::function<void()> onToggle = [] {};
     std::function<void()> onLongPress = [] {};
     std::function<void()> onDoublePress = [] {};
+    // The desktop refused the registered combo only after registerCombo() returned (a portal's
+    // late answer); the combo stays stored, as with a refusal at once.
+    std::function<void(const KeyCombo& combo)> onLateRefusal = [](const KeyCombo&) {};
 
     // Replaces the shortcut and stores it, none included, so the stored shortcut is always the
     // registered one. A refusal by the desktop is logged; the combo stays stored.

@@ -251,6 +251,18 @@ TEST_F(ParkedShelfPanelTest, PutAwayUnderAHoveringDragItDoesNotStayLit) {
     EXPECT_FALSE(panel->shelfView().dropHighlight().isLit());
 }
 
+TEST_F(ShelfPanelTest, TheClassicMaterialIsSolidAndCutToShapeUnderACompositor) {
+    panel->mapAt(QRect(1200, 300, 196, 320));
+    EXPECT_TRUE(panel->contentView().isTranslucent());
+    EXPECT_TRUE(panel->mask().isEmpty());
+    panel->setClassicMaterial(true);
+    EXPECT_FALSE(panel->contentView().isTranslucent());
+    EXPECT_FALSE(panel->mask().isEmpty());
+    EXPECT_FALSE(panel->mask().contains(QPoint(0, 0)));  // the rounded corner is cut away
+    panel->setClassicMaterial(false);
+    EXPECT_TRUE(panel->contentView().isTranslucent());
+}
+
 TEST_F(ShelfPanelTest, TakesTheAppearanceItIsGiven) {
     panel->setAppearance(AppearanceMode::dark);
     EXPECT_TRUE(ShelfPalette::isDark(panel->shelfView().palette()));

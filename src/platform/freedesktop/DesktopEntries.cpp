@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QLocale>
 #include <QMutex>
 #include <QSet>
 #include <QStandardPaths>
@@ -21,12 +22,26 @@ namespace {
 struct EntryKeys {
     QString type;
     QString windowClass;
+    QString name;
+    QString localizedName;
+    QString icon;
     bool hidden = false;
+    bool noDisplay = false;
 };
 
+// "Name[de_DE]", then "Name[de]", as the user's language picks them.
+QByteArrayList localizedNameKeys() {
+    const QString locale = QLocale().name();
+    QByteArrayList keys{QStringLiteral("Name[%1]").arg(locale).toUtf8()};
+    const qsizetype underscore = locale.indexOf(QLatin1Char('_'));
+    if (underscore > 0) keys << QStringLiteral("Name[%1]").arg(locale.left(underscore)).toUtf8();
+    return keys;
+}
+
 // Only the [Desktop Entry] group counts, and only its unlocalised keys.
-EntryKeys keysOf(const QString& path) {
+EntryKeys keysOf(const QString& path, const QByteArrayList& nameKeys = {}) {
     EntryKeys keys;
+    int localizedRank = nameKeys.size();
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return keys;
     bool inMainGroup = false;
@@ -49,6 +64,17 @@ EntryKeys keysOf(const QString& path) {
             keys.windowClass = value;
         else if (key == "Hidden")
             keys.hidden = value == QLatin1String("true");
+        else if (key == "NoDisplay")
+            keys.noDisplay = value == QLatin1String("true");
+        else if (key == "Name")
+            keys.name = value;
+        else if (key == "Icon")
+            keys.icon = value;
+        else if (const int rank = static_cast<int>(nameKeys.indexOf(key));
+                 rank >= 0 && rank < localizedRank) {
+            localizedRank = rank;
+            keys.localizedName = value;
+        }
     }
     return keys;
 }
@@ -110,6 +136,32 @@ std::vector<WindowClassEntry> DesktopEntries::read(const QStringList& folders) {
     }
     return entries;
 }
+
+std::vector<InstalledApplication> DesktopEntries::applications(const QStringList& folders) {
+    const QByteArrayList nameKeys = localizedNameKeys();
+    std::vector<InstalledApplication> found;
+    QSet<QString> seen;
+    for (const QString& path : folders) {
+        const QDir folder(path);
+        QDirIterator files(path, {QStringLiteral("*.desktop")}, QDir::Files,
+                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            const QString id = desktopIdOf(folder, file);
+            if (seen.contains(id)) continue;
+            seen.insert(id);
+            const EntryKeys keys = keysOf(file, nameKeys);
+            if (keys.hidden || keys.noDisplay || keys.type != QLatin1String("Application")) continue;
+            const QString name = !keys.localizedName.isEmpty() ? keys.localizedName
+                                 : !keys.name.isEmpty()        ? keys.name
+                                                               : id;
+            found.push_back({id, name, keys.icon});
+        }
+    }
+    return found;
+}
+
+std::vector<InstalledApplication> DesktopEntries::applications() { return applications(folders_); }
 
 std::vector<WindowClassEntry> DesktopEntries::windowClassEntries() {
     const bool firstTime = !hasRead();

@@ -7,15 +7,17 @@
 #include <QThreadPool>
 #include <memory>
 
+#include "settings/ApplicationCatalog.h"
 #include "triggers/InstalledApplications.h"
 
 namespace mosswick {
 
-// The installed desktop entries' window classes, read from the XDG application folders on a
-// thread of their own when first asked for, and kept until a folder changes (or, for folders that
-// did not exist to be watched, for a few minutes). Only the first question waits, briefly, for
-// its reading; later ones answer from the last reading while a new one runs.
-class DesktopEntries final : public QObject, public InstalledApplications {
+// The installed desktop entries: the applications the ignore list offers (read afresh when
+// asked, which takes a few milliseconds), and their window classes, read from the XDG application folders on
+// a thread of their own when first asked for, and kept until a folder changes (or, for folders that did not
+// exist to be watched, for a few minutes). Only the first question waits, briefly, for its reading; later
+// ones answer from the last reading while a new one runs.
+class DesktopEntries final : public QObject, public InstalledApplications, public ApplicationCatalog {
     Q_OBJECT
 
 public:
@@ -32,6 +34,10 @@ public:
     // Reads now, on the calling thread. An id found in an earlier folder hides the same id
     // further on; ids of entries in subfolders join the path with "-".
     static std::vector<WindowClassEntry> read(const QStringList& folders);
+
+    // The entries shown in menus (not Hidden, not NoDisplay), named in the user's language.
+    static std::vector<InstalledApplication> applications(const QStringList& folders);
+    std::vector<InstalledApplication> applications() override;
 
     std::vector<WindowClassEntry> windowClassEntries() override;
     void prepare() override;

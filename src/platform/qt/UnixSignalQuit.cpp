@@ -32,11 +32,14 @@ UnixSignalQuit::UnixSignalQuit(QObject* parent) : QObject(parent) {
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGTERM, &action, nullptr);
     ::sigaction(SIGINT, &action, nullptr);
+    // The session's end hangs up on the programs it started.
+    ::sigaction(SIGHUP, &action, nullptr);
 }
 
 UnixSignalQuit::~UnixSignalQuit() {
     ::signal(SIGTERM, SIG_DFL);
     ::signal(SIGINT, SIG_DFL);
+    ::signal(SIGHUP, SIG_DFL);
 }
 
 }  // namespace mosswick

@@ -7,7 +7,7 @@ class QSocketNotifier;
 
 namespace mosswick {
 
-// Turns SIGTERM and SIGINT into an orderly QCoreApplication::quit(), so the quit sequence (the
+// Turns SIGTERM, SIGINT and SIGHUP into an orderly QCoreApplication::quit(), so the quit sequence (the
 // shelf saved, the key released) runs when the session ends or the user presses Ctrl+C. The
 // handler only writes a byte to a pipe; the event loop does the rest.
 class UnixSignalQuit : public QObject {

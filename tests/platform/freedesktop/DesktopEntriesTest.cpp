@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QLocale>
 
 #include "platform/freedesktop/DesktopEntries.h"
 #include "support/EventWaiting.h"
@@ -55,6 +56,39 @@ TEST_F(DesktopEntriesTest, ReadsWindowClassesWithTheirIdsAndPrecedence) {
         {QStringLiteral("code"), QStringLiteral("Code - OSS")},
         {QStringLiteral("google-chrome"), QStringLiteral("Google-chrome")},
         {QStringLiteral("kde-org.kde.kate"), QStringLiteral("kate")},
+    };
+    EXPECT_EQ(read, expected);
+}
+
+TEST_F(DesktopEntriesTest, OffersTheApplicationsOfTheMenusByNameAndIcon) {
+    QLocale::setDefault(QLocale(QStringLiteral("de_AT")));
+    writeFile(system / "applications/org.gnome.Nautilus.desktop",
+              "[Desktop Entry]\nType=Application\nName=Files\nName[de]=Dateien\nIcon=org.gnome.Nautilus\n");
+    writeFile(system / "applications/kde/org.kde.kate.desktop",
+              "[Desktop Entry]\nType=Application\nName=Kate\nName[de_AT]=Kate (AT)\nName[de]=Kate (DE)\n");
+    // The user's copy wins; one hidden or kept out of menus is not offered; a nameless one goes
+    // by its id.
+    writeFile(system / "applications/code.desktop", "[Desktop Entry]\nType=Application\nName=Code\n");
+    writeFile(home / "applications/code.desktop",
+              "[Desktop Entry]\nType=Application\nName=Code - OSS\nIcon=/opt/code.png\n");
+    writeFile(system / "applications/helper.desktop",
+              "[Desktop Entry]\nType=Application\nName=H\nNoDisplay=true\n");
+    writeFile(local / "applications/gone.desktop",
+              "[Desktop Entry]\nType=Application\nName=G\nHidden=true\n");
+    writeFile(system / "applications/site.desktop", "[Desktop Entry]\nType=Link\nName=Site\n");
+    writeFile(system / "applications/bare.desktop", "[Desktop Entry]\nType=Application\n");
+
+    std::vector<mosswick::InstalledApplication> read =
+        DesktopEntries::applications(DesktopEntries::defaultFolders());
+    QLocale::setDefault(QLocale::c());
+    std::sort(read.begin(), read.end(),
+              [](const auto& a, const auto& b) { return a.desktopId < b.desktopId; });
+    const std::vector<mosswick::InstalledApplication> expected{
+        {QStringLiteral("bare"), QStringLiteral("bare"), {}},
+        {QStringLiteral("code"), QStringLiteral("Code - OSS"), QStringLiteral("/opt/code.png")},
+        {QStringLiteral("kde-org.kde.kate"), QStringLiteral("Kate (AT)"), {}},
+        {QStringLiteral("org.gnome.Nautilus"), QStringLiteral("Dateien"),
+         QStringLiteral("org.gnome.Nautilus")},
     };
     EXPECT_EQ(read, expected);
 }

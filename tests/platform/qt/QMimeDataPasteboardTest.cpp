@@ -10,6 +10,7 @@
 #include "model/LocalPath.h"
 #include "platform/qt/QClipboardPasteboard.h"
 #include "platform/qt/QMimeDataPasteboard.h"
+#include "platform/qt/QtFileClipboard.h"
 
 namespace mosswick {
 namespace {
@@ -195,4 +196,19 @@ TEST(QClipboardPasteboard, ReadsTheClipboardAsItIsNow) {
 }
 
 }  // namespace
+}  // namespace mosswick
+
+namespace mosswick {
+
+TEST(QtFileClipboard, PastesAsCopiedFilesInAFileManagerAndAsPathsInText) {
+    const std::filesystem::path odd = LocalPath::fromBytes(QByteArray("/shelf/caf\xe9 1.txt"));
+    QtFileClipboard().putFiles({LocalPath::toUrl(odd), LocalPath::toUrl("/shelf/b.txt")});
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(data->data("text/uri-list"), "file:///shelf/caf%E9%201.txt\r\nfile:///shelf/b.txt\r\n");
+    EXPECT_EQ(data->data("x-special/gnome-copied-files"),
+              "copy\nfile:///shelf/caf%E9%201.txt\nfile:///shelf/b.txt");
+    EXPECT_EQ(data->data("text/plain"), QByteArray("/shelf/caf\xe9 1.txt\n/shelf/b.txt"));
+}
+
 }  // namespace mosswick
