@@ -1,12 +1,13 @@
 #include "interaction/ShelfItemView.h"
 
-#include <QFileInfo>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTextLayout>
 
-#include "interaction/ItemIcon.h"
+#include "interaction/DragOutSession.h"
+#include "interaction/DragSource.h"
+#include "interaction/ItemPicture.h"
 #include "interaction/ShelfColors.h"
 #include "interaction/ShelfFonts.h"
 #include "interaction/ShelfLayout.h"
@@ -48,11 +49,6 @@ QStringList wrapped(const QString& text, const QFont& font, double width, int ma
         lines << QFontMetricsF(font).elidedText(rest, elide, width);
     }
     return lines;
-}
-
-QString extensionLabel(const ShelfItem& item) {
-    const QString suffix = QFileInfo(item.displayName).suffix();
-    return suffix.size() <= 4 ? suffix : QString();
 }
 
 }  // namespace
@@ -107,16 +103,34 @@ void ShelfItemView::enterEvent(QEnterEvent*) { setHovered(true); }
 
 void ShelfItemView::leaveEvent(QEvent*) { setHovered(false); }
 
-void ShelfItemView::mousePressEvent(QMouseEvent* event) {
+void ShelfItemView::mousePressEvent(QMouseEvent* event) { press(event, 1); }
+
+void ShelfItemView::mouseDoubleClickEvent(QMouseEvent* event) { press(event, 2); }
+
+void ShelfItemView::press(QMouseEvent* event, int clickCount) {
     // Taken even when nothing comes of it: a press on a tile must not count as a press on the
     // shelf's empty background, which clears the selection.
     event->accept();
-    if (event->button() != Qt::LeftButton || tile_.items.empty()) return;
-    if (isHovered_ && closeButtonRect().contains(event->position())) {
-        emit closeClicked();
-        return;
+    if (!dragSource_ || tile_.items.empty()) return;
+    if (event->button() == Qt::RightButton) {
+        dragSource_->rightMouseDown(tile_.first(), event->globalPosition().toPoint());
+    } else if (event->button() == Qt::LeftButton) {
+        clickCount_ = clickCount;
+        dragSource_->mouseDown(tile_.first(), event->position(), rect(),
+                               event->modifiers().testFlag(Qt::ControlModifier));
     }
-    emit clicked(event->modifiers());
+}
+
+void ShelfItemView::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragSource_ || !event->buttons().testFlag(Qt::LeftButton)) return;
+    if (const auto drag = dragSource_->mouseDragged(event->position())) {
+        setHovered(false);
+        DragOutSession::run(*this, *dragSource_, *drag);
+    }
+}
+
+void ShelfItemView::mouseReleaseEvent(QMouseEvent* event) {
+    if (dragSource_ && event->button() == Qt::LeftButton) dragSource_->mouseUp(clickCount_);
 }
 
 void ShelfItemView::paintEvent(QPaintEvent*) {
@@ -189,20 +203,7 @@ void ShelfItemView::paintPicture(QPainter& painter, const QRectF& tile, const Sh
 }
 
 void ShelfItemView::paintItemPicture(QPainter& painter, const QRectF& box, const ShelfItem& item) const {
-    const QIcon icon = ItemIcon::themeIcon(item.contentTypeIdentifier, item.webURL.has_value());
-    if (!icon.isNull()) {
-        const QSize side = box.size().toSize();
-        const QPixmap pixmap = icon.pixmap(side, devicePixelRatioF());
-        if (!pixmap.isNull()) {
-            QRectF target(QPointF(), pixmap.deviceIndependentSize());
-            target.moveCenter(box.center());
-            painter.drawPixmap(target, pixmap, pixmap.rect());
-            return;
-        }
-    }
-    ShelfSymbols::fileGlyph(painter, box,
-                            ItemIcon::glyph(item.contentTypeIdentifier, item.webURL.has_value()),
-                            extensionLabel(item));
+    ItemPicture::paint(painter, box, item, devicePixelRatioF());
 }
 
 void ShelfItemView::paintText(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const {

@@ -51,16 +51,13 @@ TileListView::~TileListView() = default;
 
 ShelfItemView* TileListView::makeTileView() {
     auto* view = new ShelfItemView(motion_, canvas_);
-    // Copies, not the view's own tile: what a click sets off may well change the list.
-    connect(view, &ShelfItemView::closeClicked, this, [this, view] {
-        const ShelfTile tile = view->tile();
-        emit closeClicked(tile);
-    });
-    connect(view, &ShelfItemView::clicked, this, [this, view](Qt::KeyboardModifiers modifiers) {
-        const ShelfTile tile = view->tile();
-        emit tileClicked(tile, modifiers);
-    });
+    view->setDragSource(dragSource_);
     return view;
+}
+
+void TileListView::setDragSource(DragSource* source) {
+    dragSource_ = source;
+    for (const Placement& placement : placements_) placement.view->setDragSource(source);
 }
 
 void TileListView::setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection) {

@@ -10,6 +10,10 @@ set(MOSSWICK_INTERACTION_SOURCES
   DesktopColorScheme.h
   ApplicationAppearance.h ApplicationAppearance.cpp
   SpringCurve.h SpringCurve.cpp
+  Workspace.h
+  TileMenu.h
+  DragPayload.h DragPayload.cpp
+  DragSource.h DragSource.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.
 set(MOSSWICK_INTERACTION_VIEW_SOURCES
@@ -19,6 +23,10 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   ToolbarButton.h ToolbarButton.cpp
   CountLabel.h CountLabel.cpp
   ShelfToolbar.h ShelfToolbar.cpp
+  ItemPicture.h ItemPicture.cpp
+  DragImage.h DragImage.cpp
+  DragOutMimeData.h DragOutMimeData.cpp
+  DragOutSession.h DragOutSession.cpp
   ShelfItemView.h ShelfItemView.cpp
   TileListView.h TileListView.cpp
   EmptyStateView.h EmptyStateView.cpp

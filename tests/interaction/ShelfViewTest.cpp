@@ -12,6 +12,8 @@
 #include "interaction/ShelfToolbar.h"
 #include "interaction/ShelfView.h"
 #include "interaction/TileListView.h"
+#include "interaction/TileMenu.h"
+#include "interaction/DragSource.h"
 #include <QLabel>
 #include "interaction/ToolbarButton.h"
 
@@ -107,35 +109,26 @@ TEST_F(ShelfViewTest, ARightClickOnTheBackgroundAsksForTheShelfMenu) {
     EXPECT_EQ(menu.count(), 1);
 }
 
-TEST_F(ShelfViewTest, TheCloseButtonTakesTheWholeTileAwayUndoablyButOnlyWhileHovered) {
+TEST_F(ShelfViewTest, TheTilesHandTheirMouseToTheDragSource) {
+    struct Menu final : TileMenu {
+        void popUp(const ShelfItem& item, QPoint) override { shownFor.push_back(item.displayName); }
+        std::vector<QString> shownFor;
+    } menu;
     store->add({item("single.pdf")});
     store->add(batch({"1.jpg", "2.jpg"}));
     auto view = makeView();
+    view->dragSource().setTileMenu(&menu);
+    ShelfItemView* single = view->tileList().tileViews().at(1);
+
+    click(*view, centreOf(*view, *single), Qt::RightButton);
+    EXPECT_EQ(menu.shownFor, std::vector<QString>{"single.pdf"});
+    EXPECT_EQ(store->selection().size(), 1u) << "selected by the right click";
+
     ShelfItemView* stack = view->tileList().tileViews().at(0);
-    const QPoint closeButton = stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint());
-
-    click(*view, closeButton);
-    EXPECT_EQ(store->items().size(), 3u) << "no close button without hover: a plain click";
-    EXPECT_FALSE(store->selection().empty());
-
-    stack->setHovered(true);
-    EXPECT_EQ(stack->closeButtonOpacity(), 1);
-    click(*view, closeButton);
+    click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
     EXPECT_EQ(itemNames(), std::vector<QString>{"single.pdf"});
     ASSERT_EQ(store->removalHistory().size(), 1u);
-    EXPECT_EQ(store->removalHistory().front().size(), 2u);
-}
-
-TEST_F(ShelfViewTest, TheCloseClickCanBeTakenOver) {
-    store->add(batch({"1.jpg", "2.jpg"}));
-    auto view = makeView();
-    std::vector<int> closed;
-    view->onCloseTile = [&](const ShelfTile& tile) { closed.push_back(static_cast<int>(tile.items.size())); };
-    ShelfItemView* stack = view->tileList().tileViews().at(0);
-    stack->setHovered(true);
-    click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
-    EXPECT_EQ(closed, std::vector<int>{2});
-    EXPECT_EQ(store->items().size(), 2u);
+    EXPECT_EQ(store->removalHistory().front().size(), 2u) << "the whole stack, in one step";
 }
 
 TEST_F(ShelfViewTest, AnItemWhoseOriginalIsGoneCarriesTheBadge) {
