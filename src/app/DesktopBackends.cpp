@@ -6,6 +6,7 @@
 
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/DesktopEntries.h"
+#include "platform/freedesktop/FileManagerWorkspace.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
 #include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
@@ -83,6 +84,7 @@ void DesktopBackends::followDesktopState() {
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
     installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+    workspace_ = std::make_unique<FileManagerWorkspace>(QDBusConnection::sessionBus());
 }
 
 ShelfDropIngestHandler::PasteboardFactory DesktopBackends::dropPasteboards() {

@@ -15,6 +15,7 @@ class InstalledApplications;
 class KeyboardLayout;
 class PanelWindowHints;
 class SleepWatch;
+class Workspace;
 class X11Connection;
 class X11DirectSaveReceiver;
 
@@ -40,6 +41,8 @@ public:
     SleepWatch& sleepWatch() { return *sleepWatch_; }
     InstalledApplications& installedApplications() { return *installedApplications_; }
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
+    // Opening items and showing them in the file manager.
+    Workspace& workspace() { return *workspace_; }
 
 private:
     DesktopBackends();
@@ -57,6 +60,7 @@ private:
     std::unique_ptr<SleepWatch> sleepWatch_;
     std::unique_ptr<InstalledApplications> installedApplications_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
+    std::unique_ptr<Workspace> workspace_;
 };
 
 }  // namespace mosswick

@@ -64,8 +64,8 @@ int main(int argc, char** argv) {
     DesktopBackends desktop = DesktopBackends::forThisSession();
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
-    const ShelfPanelFactory panels(
-        {store, ReducedMotion(preferences, desktop.desktopMotion()), desktop.panelHints(), drops});
+    const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
+                                    desktop.panelHints(), drops, desktop.workspace()});
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);

@@ -12,6 +12,7 @@ class PanelWindowHints;
 class ShelfDropHandler;
 class ShelfPanel;
 class ShelfStore;
+class Workspace;
 
 // Makes the shelf's window when the window controller first needs it: the panel over the store,
 // its drops handed to the drop handler, wrapped as the surface the controller moves.
@@ -22,6 +23,8 @@ public:
         ReducedMotion motion;
         PanelWindowHints& hints;
         ShelfDropHandler& drops;
+        // Where a double click on a tile opens its items.
+        Workspace& workspace;
     };
 
     explicit ShelfPanelFactory(Parts parts) : parts_(parts) {}
