@@ -15,6 +15,7 @@
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
+#include "platform/x11/X11DragTypeOverride.h"
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/X11PanelHints.h"
 #include "platform/x11/X11WorkArea.h"
@@ -71,8 +72,10 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (backends.x11_) {
         backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
+        backends.dragTypes_ = std::make_unique<X11DragTypeOverride>(backends.x11_->atoms());
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
+        backends.dragTypes_ = std::make_unique<NoDragTypeOverride>();
     }
 
     backends.followDesktopState();

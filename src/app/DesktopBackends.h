@@ -7,6 +7,7 @@
 namespace mosswick {
 
 class DesktopColorScheme;
+class DragTypeOverride;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
@@ -43,6 +44,8 @@ public:
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
     // Opening items and showing them in the file manager.
     Workspace& workspace() { return *workspace_; }
+    // Answers what Qt would get wrong of the shelf's own drags.
+    DragTypeOverride& dragTypes() { return *dragTypes_; }
 
 private:
     DesktopBackends();
@@ -56,6 +59,7 @@ private:
     std::unique_ptr<HotKeyService> hotKeys_;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
+    std::unique_ptr<DragTypeOverride> dragTypes_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
     std::unique_ptr<InstalledApplications> installedApplications_;

@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
     const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
-                                    desktop.panelHints(), drops, desktop.workspace()});
+                                    desktop.panelHints(), drops, desktop.workspace(), desktop.dragTypes()});
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);

@@ -1,8 +1,11 @@
 #include "interaction/DragOutSession.h"
 
+#include <QCoreApplication>
 #include <QDrag>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include "interaction/DragImage.h"
@@ -10,17 +13,45 @@
 
 namespace mosswick {
 
+namespace {
+
+// Qt lets go of a drag as soon as it sends the drop, but the target reads the data only then, and
+// a file manager that asks the user what to do reads it seconds later. Qt answers those reads
+// from the drag object for as long as it lives: this keeps each one alive for a while (as long as
+// Qt keeps its record of the drop) instead of letting Qt delete it at once.
+class DragKeeper final : public QObject {
+public:
+    static constexpr int kKeepMilliseconds = 10 * 60 * 1000;
+
+    void keep(QDrag* drag) {
+        drag->installEventFilter(this);
+        QTimer::singleShot(kKeepMilliseconds, drag, [this, drag] {
+            drag->removeEventFilter(this);
+            drag->deleteLater();
+        });
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override { return event->type() == QEvent::DeferredDelete; }
+};
+
+DragKeeper& keeper() {
+    static auto* made = new DragKeeper;
+    return *made;
+}
+
+}  // namespace
+
 void DragOutSession::run(QWidget& from, DragSource& source, const DragSource::Drag& drag) {
-    QPointer<QWidget> guard(&from);
-    auto* qdrag = new QDrag(&from);
+    // Owned by the application, not the tile: the tile leaves when its items are dragged away.
+    auto* qdrag = new QDrag(QCoreApplication::instance());
+    keeper().keep(qdrag);
     qdrag->setMimeData(new DragOutMimeData(drag.types));
-    const QPixmap image = DragImage::of(drag.items, from.devicePixelRatioF());
-    qdrag->setPixmap(image);
+    qdrag->setPixmap(DragImage::of(drag.items, from.devicePixelRatioF()));
     qdrag->setHotSpot(QPoint(static_cast<int>(DragImage::kSide / 2), static_cast<int>(DragImage::kSide / 2)));
     // Move is proposed where it is allowed: a file manager then moves the original out of the way.
     const Qt::DropAction result = qdrag->exec(drag.operations);
     const bool shiftHeld = QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
-    if (guard) qdrag->deleteLater();
     source.dragEnded(result != Qt::IgnoreAction, shiftHeld);
 }
 

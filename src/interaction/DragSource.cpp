@@ -3,6 +3,7 @@
 #include <QLineF>
 #include <algorithm>
 
+#include "interaction/DragTypeOverride.h"
 #include "interaction/ShelfLayout.h"
 #include "interaction/TileMenu.h"
 #include "interaction/Workspace.h"
@@ -16,6 +17,7 @@ namespace {
 
 NoWorkspace noWorkspace;
 NoTileMenu noTileMenu;
+NoDragTypeOverride noTypeOverride;
 
 bool anySelected(const std::vector<ShelfItem>& items, const std::set<QUuid>& selection) {
     return std::any_of(items.begin(), items.end(),
@@ -30,11 +32,17 @@ bool fileAt(const QUrl& url) {
 }  // namespace
 
 DragSource::DragSource(ShelfStore& store, const Preferences& preferences)
-    : store_(store), preferences_(preferences), workspace_(&noWorkspace), menu_(&noTileMenu) {}
+    : store_(store),
+      preferences_(preferences),
+      workspace_(&noWorkspace),
+      menu_(&noTileMenu),
+      types_(&noTypeOverride) {}
 
 void DragSource::setWorkspace(Workspace* workspace) { workspace_ = workspace ? workspace : &noWorkspace; }
 
 void DragSource::setTileMenu(TileMenu* menu) { menu_ = menu ? menu : &noTileMenu; }
+
+void DragSource::setTypeOverride(DragTypeOverride* types) { types_ = types ? types : &noTypeOverride; }
 
 DragSource::Press DragSource::mouseDown(const ShelfItem& item, QPointF position, const QRectF& tile,
                                         bool extending) {
@@ -77,6 +85,7 @@ std::optional<DragSource::Drag> DragSource::mouseDragged(QPointF position) {
     drag.types = DragPayload::types(offered);
     drag.operations = operations(drag.items);
     draggedItems_ = drag.items;
+    types_->offer(drag.types);
     return drag;
 }
 

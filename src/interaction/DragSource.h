@@ -11,6 +11,7 @@
 
 namespace mosswick {
 
+class DragTypeOverride;
 class Preferences;
 class ShelfStore;
 class TileMenu;
@@ -41,11 +42,14 @@ public:
         Qt::DropActions operations;
     };
 
-    // The workspace and the menu are not owned, and must outlive this object or be replaced.
+    // The workspace, the menu and the type override are not owned, and must outlive this object or be
+    // replaced.
     DragSource(ShelfStore& store, const Preferences& preferences);
 
     void setWorkspace(Workspace* workspace);
     void setTileMenu(TileMenu* menu);
+    // Told what each drag offers, to answer for it where Qt would not.
+    void setTypeOverride(DragTypeOverride* types);
 
     // A press of the left button at `position` on the tile `tile` (its bounds) showing `item`;
     // Ctrl (`extending`) adds to the selection or takes out of it.
@@ -82,6 +86,7 @@ private:
     const Preferences& preferences_;
     Workspace* workspace_;
     TileMenu* menu_;
+    DragTypeOverride* types_;
     std::optional<Pressed> pressed_;
     std::optional<DeferredSelection> deferred_;
     std::vector<ShelfItem> draggedItems_;

@@ -13,6 +13,7 @@ set(MOSSWICK_INTERACTION_SOURCES
   Workspace.h
   TileMenu.h
   DragPayload.h DragPayload.cpp
+  DragTypeOverride.h DragTypeOverride.cpp
   DragSource.h DragSource.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.

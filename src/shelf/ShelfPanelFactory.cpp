@@ -13,6 +13,7 @@ std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRec
     auto* panel = new ShelfPanel(parts_.store, parts_.motion, parts_.hints);
     panel->contentView().setDropHandler(&parts_.drops);
     panel->shelfView().dragSource().setWorkspace(&parts_.workspace);
+    panel->shelfView().dragSource().setTypeOverride(&parts_.dragTypes);
     if (onPanelMade) onPanelMade(*panel);
     return std::make_unique<QtShelfPanelSurface>(panel);
 }

@@ -8,6 +8,7 @@
 
 namespace mosswick {
 
+class DragTypeOverride;
 class PanelWindowHints;
 class ShelfDropHandler;
 class ShelfPanel;
@@ -25,6 +26,8 @@ public:
         ShelfDropHandler& drops;
         // Where a double click on a tile opens its items.
         Workspace& workspace;
+        // Answers what Qt would get wrong of the drags out of the shelf.
+        DragTypeOverride& dragTypes;
     };
 
     explicit ShelfPanelFactory(Parts parts) : parts_(parts) {}
