@@ -24,6 +24,8 @@ packages=(
   x11-xserver-utils trayer
   # a real browser as a drag source for the desktop tests
   chromium
+  # a real file manager to drag files out of the shelf into
+  thunar
 )
 
 missing=()

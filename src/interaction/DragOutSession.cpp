@@ -51,7 +51,9 @@ void DragOutSession::run(QWidget& from, DragSource& source, const DragSource::Dr
     qdrag->setHotSpot(QPoint(static_cast<int>(DragImage::kSide / 2), static_cast<int>(DragImage::kSide / 2)));
     // Move is proposed where it is allowed: a file manager then moves the original out of the way.
     const Qt::DropAction result = qdrag->exec(drag.operations);
-    const bool shiftHeld = QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ShiftModifier);
+    // As the keyboard was at the release that dropped (the last input event Qt handled), not as it
+    // is by now: a quick hand lets go of Shift right after the button.
+    const bool shiftHeld = QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
     source.dragEnded(result != Qt::IgnoreAction, shiftHeld);
 }
 

@@ -4,6 +4,7 @@
 
 #include "ShelfFixture.h"
 #include "interaction/DragSource.h"
+#include "interaction/DragTypeOverride.h"
 #include "interaction/TileMenu.h"
 #include "interaction/Workspace.h"
 #include "model/LocalPath.h"
@@ -445,6 +446,32 @@ TEST_F(DragSourceTest, ARightClickSelectsAnUnselectedTileThenAsksForItsMenu) {
     source->rightMouseDown(at(2), {});
     EXPECT_EQ(selectedNames(), (std::set<QString>{"c"}));
     EXPECT_EQ(menu.shownFor, (std::vector<QString>{"b", "c"}));
+}
+
+TEST(DragTypeOverrideTest, OnlyTheTypesQtMakesUpAreAnsweredInstead) {
+    using Kind = DragTypeOverride::Answer::Kind;
+    const DragPayload::Types withText = {{"text/uri-list", "file:///a\r\n"},
+                                         {"text/plain;charset=utf-8", "a"},
+                                         {"text/plain", "a"},
+                                         {"text/x-moz-url", "url and title"}};
+    const DragPayload::Types fileOnly = {{"text/uri-list", "file:///a\r\n"}};
+    struct Row {
+        const char* name;
+        const DragPayload::Types& types;
+        QByteArray target;
+        DragTypeOverride::Answer answer;
+    };
+    const Row rows[] = {
+        {"a link's own pair", withText, "text/x-moz-url", {Kind::bytes, "url and title"}},
+        {"no link: Qt's URL stands", fileOnly, "text/x-moz-url", {}},
+        {"no text chosen: refused", fileOnly, "text/plain", {Kind::refusal, {}}},
+        {"a chosen text: Qt hands it over", withText, "text/plain", {}},
+        {"the URIs are Qt's", withText, "text/uri-list", {}},
+        {"other text targets are Qt's", fileOnly, "UTF8_STRING", {}},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(DragTypeOverride::answer(row.types, row.target), row.answer) << row.name;
+    }
 }
 
 }  // namespace
