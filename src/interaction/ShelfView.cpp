@@ -37,7 +37,7 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
 
     connect(toolbar_, &ShelfToolbar::bringBackClicked, this, [this] { store_.restoreLastRemoved(); });
     connect(toolbar_, &ShelfToolbar::clearClicked, this, [this] { store_.removeAll(); });
-    connect(&store_, &ShelfStore::itemsChanged, this, &ShelfView::itemsChanged);
+    connect(&store_, &ShelfStore::itemsChanged, this, [this] { itemsChanged(); });
     connect(&store_, &ShelfStore::selectionChanged, this,
             [this] { tiles_->setSelection(store_.selection()); });
     connect(&store_, &ShelfStore::targetedChanged, this, [this] { highlight_->setLit(store_.isTargeted()); });
@@ -72,15 +72,15 @@ void ShelfView::setOriginCheck(TileDescription::OriginCheck check) {
     refresh();
 }
 
-void ShelfView::refresh() { itemsChanged(); }
+void ShelfView::refresh() { itemsChanged(TileListView::FileCheck::again); }
 
-void ShelfView::itemsChanged() {
+void ShelfView::itemsChanged(TileListView::FileCheck check) {
     const bool isEmpty = store_.items().empty();
     toolbar_->setState(ShelfToolbarState::of(store_), static_cast<qsizetype>(store_.items().size()));
     // Shown before it is filled, so the first tiles grow in rather than just appear.
     emptyState_->setVisible(isEmpty);
     tiles_->setVisible(!isEmpty);
-    tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection());
+    tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection(), check);
 }
 
 void ShelfView::resizeEvent(QResizeEvent*) { placeParts(); }

@@ -5,6 +5,7 @@
 
 #include "shelf/ReducedMotion.h"
 #include "interaction/TileDescription.h"
+#include "interaction/TileListView.h"
 #include "model/ShelfTile.h"
 
 class QLabel;
@@ -55,7 +56,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void itemsChanged();
+    void itemsChanged(TileListView::FileCheck check = TileListView::FileCheck::changedTilesOnly);
     void placeParts();
     void noticeChanged();
 

@@ -29,7 +29,11 @@ public:
     explicit TileListView(ReducedMotion motion, QWidget* parent = nullptr);
     ~TileListView() override;
 
-    void setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection);
+    // Whether tiles that did not change are described anew, which asks the file system whether
+    // their originals are still there.
+    enum class FileCheck { changedTilesOnly, again };
+    void setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection,
+                  FileCheck check = FileCheck::changedTilesOnly);
     void setSelection(const std::set<QUuid>& selection);
     void setOriginCheck(TileDescription::OriginCheck check) { originCheck_ = std::move(check); }
     // What handles the mouse on every tile; not owned.
