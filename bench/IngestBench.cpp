@@ -106,11 +106,17 @@ struct Shelf {
 };
 
 void BM_Drop1000Files(benchmark::State& state) {
+    double longest = 0;
     for (auto _ : state) {
         Shelf shelf(state.range(0) != 0);
-        state.SetIterationTime(shelf.drop());
+        const double seconds = shelf.drop();
+        state.SetIterationTime(seconds);
+        longest = std::max(longest, seconds);
         shelf.takeInCopies();
     }
+    // The drop is one stretch of the main thread. (Every run reports the same counters.)
+    state.counters["longest_ms"] = longest * 1000;
+    state.counters["p99_ms"] = longest * 1000;
 }
 BENCHMARK(BM_Drop1000Files)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 

@@ -14,7 +14,7 @@ trap 'rm -rf "$sandbox" /tmp/mosswick-ingest-bench' EXIT
 export XDG_DATA_HOME="$sandbox/data" XDG_CONFIG_HOME="$sandbox/config" QT_QPA_PLATFORM=offscreen
 # name, real time (ms), and the stall counters where the benchmark reports them.
 "$build/bench/ingest_bench" --benchmark_format=csv 2>/dev/null | awk -F, '
-  /^name,/ { for (i = 1; i <= NF; i++) column[$i] = i; next }
+  /^name,/ { for (i = 1; i <= NF; i++) { gsub(/"/, "", $i); column[$i] = i }; next }
   /^"BM_/ { gsub(/"/, "", $1)
             longest = ("longest_ms" in column) ? $column["longest_ms"] : ""
             p99 = ("p99_ms" in column) ? $column["p99_ms"] : ""
