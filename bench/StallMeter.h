@@ -4,12 +4,9 @@
 // stretches without a return to the event loop. MeteredApplication times every event it delivers
 // at the outermost level (timers, posted results of background work, paints, input), which is
 // each stretch the loop could not answer anything else; a StallMeter collects them while it runs.
-// Stretches are timed on the main thread's own CPU clock: on a shared machine the wall clock also
-// counts the time other processes held the CPU, which is not the shelf's doing and varies from run
-// to run by more than the stalls themselves.
 #include <QApplication>
 #include <algorithm>
-#include <ctime>
+#include <chrono>
 #include <vector>
 
 namespace mosswick::bench {
@@ -51,20 +48,15 @@ public:
             --depth_;
             return taken;
         }
-        const double start = threadSeconds();
+        const auto start = std::chrono::steady_clock::now();
         const bool taken = QApplication::notify(receiver, event);
         --depth_;
-        if (StallMeter* meter = StallMeter::active()) meter->add(threadSeconds() - start);
+        if (StallMeter* meter = StallMeter::active())
+            meter->add(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
         return taken;
     }
 
 private:
-    static double threadSeconds() {
-        timespec now{};
-        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-        return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-    }
-
     int depth_ = 0;
 };
 
