@@ -4,7 +4,6 @@
 
 #include "ShelfFixture.h"
 #include "interaction/DragSource.h"
-#include "interaction/DragTypeOverride.h"
 #include "interaction/TileMenu.h"
 #include "interaction/Workspace.h"
 #include "model/LocalPath.h"
@@ -306,21 +305,6 @@ TEST_F(DragSourceTest, NamesOfAnyBytesArriveAsThePercentEncodedBytesOfThePath) {
     }
 }
 
-TEST_F(DragSourceTest, ALinkIsAlsoOfferedAsTheLinkWithItsTitle) {
-    ShelfItem link = fileItem("Moss.desktop");
-    link.displayName = QStringLiteral("Moss — ✓");
-    link.webURL = QUrl(QStringLiteral("https://example.org/a page?q=1"));
-    ShelfItem plain = fileItem("plain.txt");
-    store->add({link, plain});
-    store->setSelection({link.id, plain.id});
-    const auto drag = pressAndMove(at(0), {10, 0});
-    ASSERT_TRUE(drag);
-    const QString pair = QStringLiteral("https://example.org/a%20page?q=1\nMoss — ✓");
-    EXPECT_EQ(typeBytes(*drag, "text/x-moz-url"),
-              QByteArray(reinterpret_cast<const char*>(pair.utf16()), pair.size() * 2));
-    EXPECT_EQ(typeBytes(*drag, "text/uri-list").count("\r\n"), 2) << "both files";
-}
-
 TEST_F(DragSourceTest, ItemsWithoutAFileToHandOutAreLeftOutAndTheOperationFollowsTheOriginals) {
     struct Row {
         const char* name;
@@ -446,32 +430,6 @@ TEST_F(DragSourceTest, ARightClickSelectsAnUnselectedTileThenAsksForItsMenu) {
     source->rightMouseDown(at(2), {});
     EXPECT_EQ(selectedNames(), (std::set<QString>{"c"}));
     EXPECT_EQ(menu.shownFor, (std::vector<QString>{"b", "c"}));
-}
-
-TEST(DragTypeOverrideTest, OnlyTheTypesQtMakesUpAreAnsweredInstead) {
-    using Kind = DragTypeOverride::Answer::Kind;
-    const DragPayload::Types withText = {{"text/uri-list", "file:///a\r\n"},
-                                         {"text/plain;charset=utf-8", "a"},
-                                         {"text/plain", "a"},
-                                         {"text/x-moz-url", "url and title"}};
-    const DragPayload::Types fileOnly = {{"text/uri-list", "file:///a\r\n"}};
-    struct Row {
-        const char* name;
-        const DragPayload::Types& types;
-        QByteArray target;
-        DragTypeOverride::Answer answer;
-    };
-    const Row rows[] = {
-        {"a link's own pair", withText, "text/x-moz-url", {Kind::bytes, "url and title"}},
-        {"no link: Qt's URL stands", fileOnly, "text/x-moz-url", {}},
-        {"no text chosen: refused", fileOnly, "text/plain", {Kind::refusal, {}}},
-        {"a chosen text: Qt hands it over", withText, "text/plain", {}},
-        {"the URIs are Qt's", withText, "text/uri-list", {}},
-        {"other text targets are Qt's", fileOnly, "UTF8_STRING", {}},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(DragTypeOverride::answer(row.types, row.target), row.answer) << row.name;
-    }
 }
 
 }  // namespace
