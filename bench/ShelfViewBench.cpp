@@ -1,13 +1,18 @@
 // How quickly the shelf reaches the screen and how much main-thread time a full shelf costs to
 // lay out. Runs on a real X server (bench/view.sh starts one): mapping and painting are what is
 // measured, so the offscreen platform would flatter it. Prints "name seconds" lines, each the
-// median of its runs.
+// median of its runs, or for a shelf of 1,000 items scrolled the longest main-thread stall and the
+// 99th percentile of them.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QEvent>
 #include <QMenu>
 #include <QScreen>
+#include <QWheelEvent>
 #include <QWindow>
+#include <filesystem>
+#include <fstream>
+#include <set>
 #include <algorithm>
 #include <cstdio>
 #include <vector>
@@ -15,7 +20,14 @@
 #include "shelf/ReducedMotion.h"
 #include "interaction/MenuRenderer.h"
 #include "interaction/ShelfMenus.h"
+#include "StallMeter.h"
+#include "interaction/DragImage.h"
+#include "interaction/DragOutMimeData.h"
+#include "interaction/DragSource.h"
 #include "interaction/ShelfView.h"
+#include "interaction/TileListView.h"
+#include "model/LocalPath.h"
+#include "shelf/ReducedMotion.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
@@ -35,6 +47,9 @@ namespace {
 
 constexpr int kRuns = 20;
 constexpr int kLargeShelf = 500;
+constexpr int kHugeShelf = 1000;
+constexpr int kScrollNotches = 120;
+constexpr int kDraggedItems = 100;
 
 double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
@@ -198,12 +213,94 @@ void measureMenu() {
     report("menu_500", seconds);
 }
 
+void reportStalls(const char* name, const bench::StallMeter& stalls) {
+    std::printf("%s_longest %.6f\n%s_p99 %.6f\n", name, stalls.longest(), name, stalls.percentile(0.99));
+}
+
+// A shown shelf of 1,000 items scrolled from top to bottom by the wheel, a notch at a time, each
+// notch painted before the next: the longest stall and the 99th percentile.
+void measureScroll() {
+    MemoryDefaultsStore defaults;
+    Preferences preferences(defaults);
+    preferences.setReduceMotion(true);
+    preferences.setMaximumItemCount(0);
+    QtScheduler scheduler;
+    Scheduler::setShared(&scheduler);
+    NoDesktopMotionSetting desktopMotion;
+    {
+        ShelfStore store(preferences, scheduler, AppFiles::saveFile());
+        store.add(makeItems(kHugeShelf));
+        ShelfView view(store, ReducedMotion(preferences, desktopMotion));
+        view.resize(320, 600);
+        view.show();
+        settleFor(200);
+        QWidget* viewport = view.tileList().viewport();
+        const QPoint inside = viewport->rect().center();
+        bench::StallMeter stalls;
+        for (int notch = 0; notch < kScrollNotches; ++notch) {
+            QWheelEvent wheel(inside, viewport->mapToGlobal(inside), QPoint(), QPoint(0, -120), Qt::NoButton,
+                              Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(viewport, &wheel);
+            settleFor(16);
+        }
+        reportStalls("scroll_1000", stalls);
+        store.removeAll();
+    }
+    Scheduler::setShared(nullptr);
+}
+
+// From the press on one of 100 selected items of a shelf of 1,000 to the drag's data and picture
+// made: what the main thread does before the drag can show anything (the drag itself is Qt's).
+void measureDragStart() {
+    MemoryDefaultsStore defaults;
+    Preferences preferences(defaults);
+    preferences.setMaximumItemCount(0);
+    QtScheduler scheduler;
+    Scheduler::setShared(&scheduler);
+    const auto folder = std::filesystem::temp_directory_path() / "mosswick-view-bench";
+    std::filesystem::create_directories(folder);
+    std::vector<double> seconds;
+    {
+        ShelfStore store(preferences, scheduler, AppFiles::saveFile());
+        std::vector<ShelfItem> items = makeItems(kHugeShelf);
+        std::set<QUuid> selected;
+        for (int i = 0; i < kDraggedItems; ++i) {
+            const auto file = folder / ("Quarterly report " + std::to_string(i) + ".pdf");
+            std::ofstream(file) << "report";
+            items[static_cast<size_t>(i) * 10].originURL = LocalPath::toUrl(file);
+            selected.insert(items[static_cast<size_t>(i) * 10].id);
+        }
+        store.add(items);
+        store.setSelection(selected);
+        DragSource source(store, preferences);
+        const ShelfItem pressed = store.items()[0];
+        for (int run = 0; run < kRuns; ++run) {
+            QElapsedTimer timer;
+            timer.start();
+            source.mouseDown(pressed, {40, 40}, QRectF(0, 0, 300, 80), false);
+            const auto drag = source.mouseDragged({50, 40});
+            const DragOutMimeData data(drag->types);
+            const QPixmap image = DragImage::of(drag->items, 2.0);
+            seconds.push_back(timer.nsecsElapsed() / 1e9);
+            if (drag->items.size() != static_cast<size_t>(kDraggedItems))
+                std::fprintf(stderr, "wrong drag\n");
+            source.dragEnded(false, false);
+        }
+        store.removeAll();
+    }
+    std::filesystem::remove_all(folder);
+    Scheduler::setShared(nullptr);
+    report("drag_start_100", seconds);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
+    bench::MeteredApplication app(argc, argv);
     measureMenu();
     measureLayout();
+    measureScroll();
+    measureDragStart();
     measureShow();
     return 0;
 }

@@ -9,6 +9,7 @@
 #include "platform/freedesktop/BackgroundPortalLoginItem.h"
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/DesktopEntries.h"
+#include "platform/freedesktop/FileManagerWorkspace.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
 #include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
@@ -17,6 +18,7 @@
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
+#include "platform/x11/X11DragTypeOverride.h"
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/X11PanelHints.h"
 #include "platform/x11/X11WorkArea.h"
@@ -75,8 +77,10 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (backends.x11_) {
         backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
+        backends.dragTypes_ = std::make_unique<X11DragTypeOverride>(backends.x11_->atoms());
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
+        backends.dragTypes_ = std::make_unique<NoDragTypeOverride>();
     }
 
     backends.followDesktopState();
@@ -88,6 +92,7 @@ void DesktopBackends::followDesktopState() {
     sleepWatch_ = std::make_unique<LogindSleepWatch>(QDBusConnection::systemBus());
     installedApplications_ = std::make_unique<DesktopEntries>(DesktopEntries::defaultFolders());
     colorScheme_ = std::make_unique<PortalColorScheme>(QDBusConnection::sessionBus());
+    workspace_ = std::make_unique<FileManagerWorkspace>(QDBusConnection::sessionBus());
 }
 
 std::unique_ptr<LoginItem> DesktopBackends::makeLoginItem(DefaultsStore& defaults) {

@@ -8,6 +8,7 @@ namespace mosswick {
 
 class DefaultsStore;
 class DesktopColorScheme;
+class DragTypeOverride;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
@@ -19,6 +20,7 @@ class LoginItem;
 class KeyboardLayout;
 class PanelWindowHints;
 class SleepWatch;
+class Workspace;
 class X11Connection;
 class X11DirectSaveReceiver;
 
@@ -52,6 +54,10 @@ public:
     // (MOSSWICK_TEST_HOST=1).
     static std::unique_ptr<LoginItem> makeLoginItem(DefaultsStore& defaults);
     DesktopColorScheme& colorScheme() { return *colorScheme_; }
+    // Opening items and showing them in the file manager.
+    Workspace& workspace() { return *workspace_; }
+    // Answers what Qt would get wrong of the shelf's own drags.
+    DragTypeOverride& dragTypes() { return *dragTypes_; }
 
 private:
     DesktopBackends();
@@ -66,10 +72,12 @@ private:
     bool portalOwnsShortcut_ = false;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
+    std::unique_ptr<DragTypeOverride> dragTypes_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
     std::unique_ptr<DesktopEntries> installedApplications_;
     std::unique_ptr<DesktopColorScheme> colorScheme_;
+    std::unique_ptr<Workspace> workspace_;
 };
 
 }  // namespace mosswick

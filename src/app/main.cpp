@@ -26,7 +26,6 @@
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "platform/qt/LowPriorityPool.h"
-#include "platform/freedesktop/FreedesktopWorkspace.h"
 #include "platform/qt/QClipboardPasteboard.h"
 #include "platform/qt/QtFileClipboard.h"
 #include "platform/qt/QtScheduler.h"
@@ -102,7 +101,8 @@ int main(int argc, char** argv) {
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
     const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
-                                    desktop.panelHints(), drops, [&defaults] {
+                                    desktop.panelHints(), drops, desktop.workspace(), desktop.dragTypes(),
+                                    [&defaults] {
                                         const auto stored =
                                             defaults.value(SettingsWindow::kLegacyMaterialKey);
                                         const bool* classic = stored ? std::get_if<bool>(&*stored) : nullptr;
@@ -151,12 +151,11 @@ int main(int argc, char** argv) {
         qCDebug(lcSettings) << "settings window shown in" << opening.elapsed() << "ms";
     };
 
-    FreedesktopWorkspace workspace(QDBusConnection::sessionBus());
     QtFileClipboard fileClipboard;
     MenuActions menuActions({preferences,
                              store,
                              controller,
-                             workspace,
+                             desktop.workspace(),
                              fileClipboard,
                              addClipboardContents,
                              showSettings,

@@ -2,6 +2,7 @@
 
 #include <QLoggingCategory>
 
+#include "interaction/FileClipboard.h"
 #include "interaction/Workspace.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"

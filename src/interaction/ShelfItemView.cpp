@@ -5,6 +5,8 @@
 #include <QPainterPath>
 #include <QTextLayout>
 
+#include "interaction/DragOutSession.h"
+#include "interaction/DragSource.h"
 #include "interaction/ItemPicture.h"
 #include "interaction/ShelfColors.h"
 #include "interaction/ShelfFonts.h"
@@ -109,16 +111,34 @@ void ShelfItemView::enterEvent(QEnterEvent*) { setHovered(true); }
 
 void ShelfItemView::leaveEvent(QEvent*) { setHovered(false); }
 
-void ShelfItemView::mousePressEvent(QMouseEvent* event) {
+void ShelfItemView::mousePressEvent(QMouseEvent* event) { press(event, 1); }
+
+void ShelfItemView::mouseDoubleClickEvent(QMouseEvent* event) { press(event, 2); }
+
+void ShelfItemView::press(QMouseEvent* event, int clickCount) {
     // Taken even when nothing comes of it: a press on a tile must not count as a press on the
     // shelf's empty background, which clears the selection.
     event->accept();
-    if (event->button() != Qt::LeftButton || tile_.items.empty()) return;
-    if (isHovered_ && closeButtonRect().contains(event->position())) {
-        emit closeClicked();
-        return;
+    if (!dragSource_ || tile_.items.empty()) return;
+    if (event->button() == Qt::RightButton) {
+        dragSource_->rightMouseDown(tile_.first(), event->globalPosition().toPoint());
+    } else if (event->button() == Qt::LeftButton) {
+        clickCount_ = clickCount;
+        dragSource_->mouseDown(tile_.first(), event->position(), rect(),
+                               event->modifiers().testFlag(Qt::ControlModifier));
     }
-    emit clicked(event->modifiers());
+}
+
+void ShelfItemView::mouseMoveEvent(QMouseEvent* event) {
+    if (!dragSource_ || !event->buttons().testFlag(Qt::LeftButton)) return;
+    if (const auto drag = dragSource_->mouseDragged(event->position())) {
+        setHovered(false);
+        DragOutSession::run(*this, *dragSource_, *drag);
+    }
+}
+
+void ShelfItemView::mouseReleaseEvent(QMouseEvent* event) {
+    if (dragSource_ && event->button() == Qt::LeftButton) dragSource_->mouseUp(clickCount_);
 }
 
 void ShelfItemView::paintEvent(QPaintEvent*) {

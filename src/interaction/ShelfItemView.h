@@ -9,12 +9,13 @@
 
 namespace mosswick {
 
+class DragSource;
 struct ShelfColors;
 
 // One tile of the shelf: an item, or a stack of items dropped together, with its picture, name
 // and size; highlighted when selected; a close button while hovered; a badge when the original
-// is gone and the shelf's copy stands in. Clicks and drags on it belong to the layer that lies
-// over it; until one does, the tile reports them itself.
+// is gone and the shelf's copy stands in. What the mouse does on it is the drag source's to
+// decide; the tile hands it the events and runs the drags it asks for.
 class ShelfItemView : public QWidget {
     Q_OBJECT
 
@@ -43,15 +44,17 @@ public:
     // In the tile's own coordinates.
     QRectF closeButtonRect() const;
 
-signals:
-    void closeClicked();
-    void clicked(Qt::KeyboardModifiers modifiers);
+    // Not owned; without one the tile takes presses but does nothing with them.
+    void setDragSource(DragSource* source) { dragSource_ = source; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     void paintBackground(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const;
@@ -59,7 +62,11 @@ private:
     void paintItemPicture(QPainter& painter, const QRectF& box, const ShelfItem& item) const;
     void paintText(QPainter& painter, const QRectF& tile, const ShelfColors& colors) const;
 
+    void press(QMouseEvent* event, int clickCount);
+
     ReducedMotion motion_;
+    DragSource* dragSource_ = nullptr;
+    int clickCount_ = 1;
     ShelfTile tile_;
     TileDescription description_;
     bool isSelected_ = false;

@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QMouseEvent>
 
+#include "interaction/DragSource.h"
 #include "interaction/DropHighlight.h"
 #include "interaction/EmptyStateView.h"
 #include "interaction/ShelfFonts.h"
@@ -18,6 +19,7 @@ namespace mosswick {
 ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     : QWidget(parent),
       store_(store),
+      dragSource_(std::make_unique<DragSource>(store, store.preferences())),
       toolbar_(new ShelfToolbar(motion, this)),
       tiles_(new TileListView(motion, this)),
       emptyState_(new EmptyStateView(this)),
@@ -31,25 +33,11 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     notice_->setBackgroundRole(QPalette::ToolTipBase);
     notice_->setForegroundRole(QPalette::ToolTipText);
     notice_->installEventFilter(this);
-    onCloseTile = [this](const ShelfTile& tile) {
-        std::set<QUuid> ids;
-        for (const ShelfItem& item : store_.members(tile.first())) ids.insert(item.id);
-        store_.remove(ids, true);
-    };
-    onClickTile = [this](const ShelfTile& tile, Qt::KeyboardModifiers modifiers) {
-        store_.toggleSelection(tile.first(), modifiers.testFlag(Qt::ControlModifier));
-    };
+    tiles_->setDragSource(dragSource_.get());
 
     connect(toolbar_, &ShelfToolbar::bringBackClicked, this, [this] { store_.restoreLastRemoved(); });
     connect(toolbar_, &ShelfToolbar::clearClicked, this, [this] { store_.removeAll(); });
-    connect(tiles_, &TileListView::closeClicked, this, [this](const ShelfTile& tile) {
-        if (onCloseTile) onCloseTile(tile);
-    });
-    connect(tiles_, &TileListView::tileClicked, this,
-            [this](const ShelfTile& tile, Qt::KeyboardModifiers modifiers) {
-                if (onClickTile) onClickTile(tile, modifiers);
-            });
-    connect(&store_, &ShelfStore::itemsChanged, this, &ShelfView::itemsChanged);
+    connect(&store_, &ShelfStore::itemsChanged, this, [this] { itemsChanged(); });
     connect(&store_, &ShelfStore::selectionChanged, this,
             [this] { tiles_->setSelection(store_.selection()); });
     connect(&store_, &ShelfStore::targetedChanged, this, [this] { highlight_->setLit(store_.isTargeted()); });
@@ -60,6 +48,8 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     noticeChanged();
     highlight_->setLit(store_.isTargeted());
 }
+
+ShelfView::~ShelfView() = default;
 
 void ShelfView::noticeChanged() {
     const QString text = ShelfNotice::text(store_.notice(), store_.noticeDetail());
@@ -82,15 +72,15 @@ void ShelfView::setOriginCheck(TileDescription::OriginCheck check) {
     refresh();
 }
 
-void ShelfView::refresh() { itemsChanged(); }
+void ShelfView::refresh() { itemsChanged(TileListView::FileCheck::again); }
 
-void ShelfView::itemsChanged() {
+void ShelfView::itemsChanged(TileListView::FileCheck check) {
     const bool isEmpty = store_.items().empty();
     toolbar_->setState(ShelfToolbarState::of(store_), static_cast<qsizetype>(store_.items().size()));
     // Shown before it is filled, so the first tiles grow in rather than just appear.
     emptyState_->setVisible(isEmpty);
     tiles_->setVisible(!isEmpty);
-    tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection());
+    tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection(), check);
 }
 
 void ShelfView::resizeEvent(QResizeEvent*) { placeParts(); }

@@ -1,16 +1,18 @@
 #pragma once
 
 #include <QWidget>
-#include <functional>
+#include <memory>
 
 #include "shelf/ReducedMotion.h"
 #include "interaction/TileDescription.h"
+#include "interaction/TileListView.h"
 #include "model/ShelfTile.h"
 
 class QLabel;
 
 namespace mosswick {
 
+class DragSource;
 class DropHighlight;
 class EmptyStateView;
 class ShelfStore;
@@ -25,14 +27,11 @@ class ShelfView : public QWidget {
 
 public:
     ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
+    ~ShelfView() override;
 
-    // What a click on a tile's close button does; by default the tile's items (its whole group)
-    // leave the shelf, recorded so they can be brought back. The layer that handles clicks and
-    // drags on tiles may take this over.
-    std::function<void(const ShelfTile&)> onCloseTile;
-    // What a plain click on a tile does; by default it selects the tile, or with Ctrl held adds it
-    // to the selection or takes it out.
-    std::function<void(const ShelfTile&, Qt::KeyboardModifiers)> onClickTile;
+    // Everything the mouse does on the tiles: selecting, closing, opening, the tile's menu and
+    // dragging items out. Give it the desktop's workspace and the tile menu.
+    DragSource& dragSource() { return *dragSource_; }
 
     // Which items show the missing-original badge; asks the file system unless replaced.
     void setOriginCheck(TileDescription::OriginCheck check);
@@ -57,11 +56,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void itemsChanged();
+    void itemsChanged(TileListView::FileCheck check = TileListView::FileCheck::changedTilesOnly);
     void placeParts();
     void noticeChanged();
 
     ShelfStore& store_;
+    std::unique_ptr<DragSource> dragSource_;
     ShelfToolbar* toolbar_;
     TileListView* tiles_;
     EmptyStateView* emptyState_;

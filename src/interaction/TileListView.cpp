@@ -51,46 +51,52 @@ TileListView::~TileListView() = default;
 
 ShelfItemView* TileListView::makeTileView() {
     auto* view = new ShelfItemView(motion_, canvas_);
-    // Copies, not the view's own tile: what a click sets off may well change the list.
-    connect(view, &ShelfItemView::closeClicked, this, [this, view] {
-        const ShelfTile tile = view->tile();
-        emit closeClicked(tile);
-    });
-    connect(view, &ShelfItemView::clicked, this, [this, view](Qt::KeyboardModifiers modifiers) {
-        const ShelfTile tile = view->tile();
-        emit tileClicked(tile, modifiers);
-    });
+    view->setDragSource(dragSource_);
     return view;
 }
 
-void TileListView::setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection) {
+void TileListView::setDragSource(DragSource* source) {
+    dragSource_ = source;
+    for (const Placement& placement : placements_) placement.view->setDragSource(source);
+}
+
+void TileListView::setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection,
+                            FileCheck check) {
     const double width = viewport()->width();
-    for (Placement& placement : placements_) {
+    QHash<ShelfItemView*, size_t> placed;
+    placed.reserve(static_cast<qsizetype>(placements_.size()));
+    for (size_t i = 0; i < placements_.size(); ++i) {
+        Placement& placement = placements_[i];
         placement.from = placement.view->geometry();
         placement.fromPresence = placement.view->presence();
+        placed.insert(placement.view, i);
     }
 
     QHash<QUuid, ShelfItemView*> kept;
     std::vector<Placement> next;
     next.reserve(tiles.size() + placements_.size());
     for (size_t row = 0; row < tiles.size(); ++row) {
-        const TileDescription description = TileDescription::of(tiles[row], originCheck_);
+        const ShelfTile& tile = tiles[row];
+        const QUuid key = TileDescription::keyOf(tile);
         const QRectF target = ShelfLayout::tileRect(static_cast<int>(row), width);
-        ShelfItemView* view = byKey_.take(description.key);
+        ShelfItemView* view = byKey_.take(key);
         if (view) {
-            auto old = std::find_if(placements_.begin(), placements_.end(),
-                                    [view](const Placement& p) { return p.view == view; });
-            next.push_back({view, old->from, target, old->fromPresence, 1, false});
+            const Placement& old = placements_[placed.value(view)];
+            next.push_back({view, old.from, target, old.fromPresence, 1, false});
+            // Describing a tile asks the file system; one that did not change keeps its words
+            // unless the files are to be looked at again.
+            if (check == FileCheck::again || view->tile().items != tile.items)
+                view->setTile(tile, TileDescription::of(tile, originCheck_));
         } else {
             view = makeTileView();
             view->setGeometry(target.toRect());
             view->setPresence(0);
             view->show();
             next.push_back({view, target, target, 0, 1, false});
+            view->setTile(tile, TileDescription::of(tile, originCheck_));
         }
-        view->setTile(tiles[row], description);
-        view->setSelected(TileDescription::isSelected(tiles[row], selection));
-        kept.insert(description.key, view);
+        view->setSelected(TileDescription::isSelected(tile, selection));
+        kept.insert(key, view);
     }
     // What is left was removed from the shelf: it fades where it stands, and takes no more clicks.
     for (Placement& placement : placements_) {
@@ -148,7 +154,11 @@ void TileListView::settle() {
 void TileListView::step(double springValue) {
     // The spring overshoots its rest a little; presence is an opacity and must not.
     const double clamped = std::clamp(springValue, 0.0, 1.0);
+    const bool atRest = springValue == 1.0;
     for (const Placement& placement : placements_) {
+        // Most tiles of a long list stay where they are; between rests they need no visit.
+        if (!atRest && placement.from == placement.to && placement.fromPresence == placement.toPresence)
+            continue;
         placement.view->setGeometry(between(placement.from, placement.to, springValue).toRect());
         placement.view->setPresence(placement.fromPresence +
                                     (placement.toPresence - placement.fromPresence) * clamped);

@@ -13,6 +13,7 @@
 
 namespace mosswick {
 
+class DragSource;
 class ShelfItemView;
 
 // The scrolling column of tiles, newest at the top. A change of the list moves the tiles that
@@ -28,19 +29,21 @@ public:
     explicit TileListView(ReducedMotion motion, QWidget* parent = nullptr);
     ~TileListView() override;
 
-    void setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection);
+    // Whether tiles that did not change are described anew, which asks the file system whether
+    // their originals are still there.
+    enum class FileCheck { changedTilesOnly, again };
+    void setTiles(const std::vector<ShelfTile>& tiles, const std::set<QUuid>& selection,
+                  FileCheck check = FileCheck::changedTilesOnly);
     void setSelection(const std::set<QUuid>& selection);
     void setOriginCheck(TileDescription::OriginCheck check) { originCheck_ = std::move(check); }
+    // What handles the mouse on every tile; not owned.
+    void setDragSource(DragSource* source);
 
     // The tiles of the list in order, without those on their way out.
     std::vector<ShelfItemView*> tileViews() const;
     bool isAnimating() const { return animation_.state() == QAbstractAnimation::Running; }
     // Puts every tile where the running change would leave it.
     void settle();
-
-signals:
-    void closeClicked(const mosswick::ShelfTile& tile);
-    void tileClicked(const mosswick::ShelfTile& tile, Qt::KeyboardModifiers modifiers);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -60,6 +63,7 @@ private:
     void fitToWidth();
 
     ReducedMotion motion_;
+    DragSource* dragSource_ = nullptr;
     SpringCurve spring_{kSpringResponse, kSpringDamping};
     TileDescription::OriginCheck originCheck_ = TileDescription::originMissing;
     QWidget* canvas_;

@@ -5,21 +5,21 @@
 
 namespace mosswick {
 
-// The desktop's own handling of files: the default application and the file manager.
+// The desktop's way to open a file with its default application and to show files in the file
+// manager.
 class Workspace {
 public:
     virtual ~Workspace() = default;
-    // Opens one file or folder with the application the desktop chose for its type.
-    virtual void open(const QUrl& location) = 0;
-    // Shows the files selected in the file manager, all in one window where it can.
-    virtual void reveal(const std::vector<QUrl>& locations) = 0;
+    virtual void open(const QUrl& file) = 0;
+    // Shows the files together, selected, in the file manager's window of their folder.
+    virtual void reveal(const std::vector<QUrl>& files) = 0;
 };
 
-// Puts files on the clipboard so that a file manager pastes copies and a text field the paths.
-class FileClipboard {
+// Where no desktop answers (headless runs): nothing opens.
+class NoWorkspace final : public Workspace {
 public:
-    virtual ~FileClipboard() = default;
-    virtual void putFiles(const std::vector<QUrl>& locations) = 0;
+    void open(const QUrl&) override {}
+    void reveal(const std::vector<QUrl>&) override {}
 };
 
 }  // namespace mosswick

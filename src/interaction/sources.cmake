@@ -18,7 +18,12 @@ set(MOSSWICK_INTERACTION_SOURCES
   MenuContent.h
   ShelfMenus.h ShelfMenus.cpp
   Workspace.h
+  FileClipboard.h
   MenuActions.h MenuActions.cpp
+  TileMenu.h
+  DragPayload.h DragPayload.cpp
+  DragTypeOverride.h DragTypeOverride.cpp
+  DragSource.h DragSource.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.
 set(MOSSWICK_INTERACTION_VIEW_SOURCES
@@ -29,6 +34,9 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   CountLabel.h CountLabel.cpp
   ShelfToolbar.h ShelfToolbar.cpp
   ItemPicture.h ItemPicture.cpp
+  DragImage.h DragImage.cpp
+  DragOutMimeData.h DragOutMimeData.cpp
+  DragOutSession.h DragOutSession.cpp
   ShelfItemView.h ShelfItemView.cpp
   TileListView.h TileListView.cpp
   EmptyStateView.h EmptyStateView.cpp

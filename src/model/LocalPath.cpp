@@ -18,11 +18,16 @@ std::filesystem::path fromBytes(const QByteArray& raw) {
     return std::filesystem::path(std::string(raw.constData(), static_cast<size_t>(raw.size())));
 }
 
-QUrl toUrl(const std::filesystem::path& path, bool isDirectory) {
+QByteArray toUri(const std::filesystem::path& path, bool isDirectory) {
     QByteArray raw = bytes(path.lexically_normal());
     if (raw.isEmpty() || raw.front() != '/') return {};
     if (isDirectory && !raw.endsWith('/')) raw.append('/');
-    return QUrl::fromEncoded("file://" + raw.toPercentEncoding(kPathSafe), QUrl::StrictMode);
+    return "file://" + raw.toPercentEncoding(kPathSafe);
+}
+
+QUrl toUrl(const std::filesystem::path& path, bool isDirectory) {
+    const QByteArray uri = toUri(path, isDirectory);
+    return uri.isEmpty() ? QUrl() : QUrl::fromEncoded(uri, QUrl::StrictMode);
 }
 
 std::optional<std::filesystem::path> fromUrl(const QUrl& url) {

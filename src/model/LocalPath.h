@@ -15,6 +15,9 @@ namespace LocalPath {
 
 // file:// URL of an absolute path; a folder's URL ends in "/" when `isDirectory` is true.
 QUrl toUrl(const std::filesystem::path& path, bool isDirectory = false);
+// The same as the bytes of a URI ("file:///a%20b"), for protocols that carry URIs as bytes; empty
+// for a relative path.
+QByteArray toUri(const std::filesystem::path& path, bool isDirectory = false);
 
 // The path a file URL names, bytes intact; nothing for a non-file or relative URL.
 std::optional<std::filesystem::path> fromUrl(const QUrl& url);

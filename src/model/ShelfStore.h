@@ -41,6 +41,9 @@ public:
     static ShelfStore& shared();
     static void setShared(ShelfStore* store);
 
+    // The settings the store follows; the shelf's views read theirs here too.
+    Preferences& preferences() const { return preferences_; }
+
     const std::vector<ShelfItem>& items() const { return items_; }
     const std::set<QUuid>& selection() const { return selection_; }
     void setSelection(std::set<QUuid> selection);

@@ -3,6 +3,8 @@
 #include "shelf/QtShelfPanelSurface.h"
 #include "shelf/ShelfContentView.h"
 #include "shelf/ShelfPanel.h"
+#include "interaction/DragSource.h"
+#include "interaction/ShelfView.h"
 
 namespace mosswick {
 
@@ -10,6 +12,8 @@ std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRec
     // The controller places the new panel itself before showing it.
     auto* panel = new ShelfPanel(parts_.store, parts_.motion, parts_.hints);
     panel->contentView().setDropHandler(&parts_.drops);
+    panel->shelfView().dragSource().setWorkspace(&parts_.workspace);
+    panel->shelfView().dragSource().setTypeOverride(&parts_.dragTypes);
     if (parts_.classicMaterial) panel->setClassicMaterial(parts_.classicMaterial());
     if (onPanelMade) onPanelMade(*panel);
     return std::make_unique<QtShelfPanelSurface>(panel);

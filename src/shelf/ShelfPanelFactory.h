@@ -8,10 +8,12 @@
 
 namespace mosswick {
 
+class DragTypeOverride;
 class PanelWindowHints;
 class ShelfDropHandler;
 class ShelfPanel;
 class ShelfStore;
+class Workspace;
 
 // Makes the shelf's window when the window controller first needs it: the panel over the store,
 // its drops handed to the drop handler, wrapped as the surface the controller moves.
@@ -22,6 +24,10 @@ public:
         ReducedMotion motion;
         PanelWindowHints& hints;
         ShelfDropHandler& drops;
+        // Where a double click on a tile opens its items.
+        Workspace& workspace;
+        // Answers what Qt would get wrong of the drags out of the shelf.
+        DragTypeOverride& dragTypes;
         // Whether the user chose the classic material; asked as each panel is made.
         std::function<bool()> classicMaterial = {};
     };

@@ -6,6 +6,7 @@
 #include "ShelfFixture.h"
 #include "interaction/MenuActions.h"
 #include "interaction/ShelfMenus.h"
+#include "interaction/FileClipboard.h"
 #include "interaction/Workspace.h"
 #include "shelf/FakeDisplayEnvironment.h"
 #include "shelf/FakeShelfPanel.h"

@@ -12,6 +12,11 @@
 #include "interaction/ShelfToolbar.h"
 #include "interaction/ShelfView.h"
 #include "interaction/TileListView.h"
+#include "interaction/TileMenu.h"
+#include "interaction/DragImage.h"
+#include "interaction/Workspace.h"
+#include "model/LocalPath.h"
+#include "interaction/DragSource.h"
 #include <QLabel>
 #include "interaction/ToolbarButton.h"
 
@@ -107,35 +112,57 @@ TEST_F(ShelfViewTest, ARightClickOnTheBackgroundAsksForTheShelfMenu) {
     EXPECT_EQ(menu.count(), 1);
 }
 
-TEST_F(ShelfViewTest, TheCloseButtonTakesTheWholeTileAwayUndoablyButOnlyWhileHovered) {
+TEST_F(ShelfViewTest, TheTilesHandTheirMouseToTheDragSource) {
+    struct Menu final : TileMenu {
+        void popUp(const ShelfItem& item, QPoint) override { shownFor.push_back(item.displayName); }
+        std::vector<QString> shownFor;
+    } menu;
     store->add({item("single.pdf")});
     store->add(batch({"1.jpg", "2.jpg"}));
     auto view = makeView();
+    view->dragSource().setTileMenu(&menu);
+    ShelfItemView* single = view->tileList().tileViews().at(1);
+
+    click(*view, centreOf(*view, *single), Qt::RightButton);
+    EXPECT_EQ(menu.shownFor, std::vector<QString>{"single.pdf"});
+    EXPECT_EQ(store->selection().size(), 1u) << "selected by the right click";
+
     ShelfItemView* stack = view->tileList().tileViews().at(0);
-    const QPoint closeButton = stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint());
-
-    click(*view, closeButton);
-    EXPECT_EQ(store->items().size(), 3u) << "no close button without hover: a plain click";
-    EXPECT_FALSE(store->selection().empty());
-
-    stack->setHovered(true);
-    EXPECT_EQ(stack->closeButtonOpacity(), 1);
-    click(*view, closeButton);
+    click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
     EXPECT_EQ(itemNames(), std::vector<QString>{"single.pdf"});
     ASSERT_EQ(store->removalHistory().size(), 1u);
-    EXPECT_EQ(store->removalHistory().front().size(), 2u);
+    EXPECT_EQ(store->removalHistory().front().size(), 2u) << "the whole stack, in one step";
+
+    // A double click opens the item's file (the staged copy, here: there is no original).
+    struct Opened final : Workspace {
+        void open(const QUrl& file) override { files.push_back(file); }
+        void reveal(const std::vector<QUrl>&) override {}
+        std::vector<QUrl> files;
+    } workspace;
+    view->dragSource().setWorkspace(&workspace);
+    const auto folder = testing::freshFolder("double-click");
+    testing::writeFile(folder / "single.pdf", "pdf");
+    ShelfItem withFile = store->items().at(0);
+    withFile.stagedURL = LocalPath::toUrl(folder / "single.pdf");
+    store->update(withFile);
+    ShelfItemView* tile = view->tileList().tileViews().at(0);
+    QTest::mouseClick(tile, Qt::LeftButton);
+    EXPECT_TRUE(workspace.files.empty()) << "a single click opens nothing";
+    // The second press of a double click comes as a double-click event, its release as a release.
+    QTest::mouseDClick(tile, Qt::LeftButton);
+    QTest::mouseRelease(tile, Qt::LeftButton);
+    EXPECT_EQ(workspace.files, std::vector<QUrl>{*withFile.stagedURL});
 }
 
-TEST_F(ShelfViewTest, TheCloseClickCanBeTakenOver) {
-    store->add(batch({"1.jpg", "2.jpg"}));
-    auto view = makeView();
-    std::vector<int> closed;
-    view->onCloseTile = [&](const ShelfTile& tile) { closed.push_back(static_cast<int>(tile.items.size())); };
-    ShelfItemView* stack = view->tileList().tileViews().at(0);
-    stack->setHovered(true);
-    click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
-    EXPECT_EQ(closed, std::vector<int>{2});
-    EXPECT_EQ(store->items().size(), 2u);
+TEST_F(ShelfViewTest, TheDragImageIsSharpOnADoubledScreenAndCountsAStack) {
+    const QImage one = DragImage::of({item("a.pdf")}, 2.0).toImage();
+    EXPECT_EQ(one.size(), QSize(128, 128)) << "64 points at two pixels a point";
+    EXPECT_EQ(one.devicePixelRatio(), 2.0);
+    const QImage three = DragImage::of({item("a.pdf"), item("b.pdf"), item("c.pdf")}, 1.0).toImage();
+    EXPECT_EQ(three.size(), QSize(64, 64));
+    // The count's badge stands in the top-right corner, where a single picture leaves room.
+    EXPECT_GT(qAlpha(three.pixel(58, 8)), 200);
+    EXPECT_NE(three, DragImage::of({item("a.pdf")}, 1.0).toImage());
 }
 
 TEST_F(ShelfViewTest, AnItemWhoseOriginalIsGoneCarriesTheBadge) {

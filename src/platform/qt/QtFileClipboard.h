@@ -1,6 +1,6 @@
 #pragma once
 
-#include "interaction/Workspace.h"
+#include "interaction/FileClipboard.h"
 
 namespace mosswick {
 

@@ -1,8 +1,10 @@
 """Chromium as a drag source: a page served on 127.0.0.1 with a link, an image and a link to a
 file at fixed places, shown in an application window (no tabs, no toolbar, so the page starts at
-the window's client area) with a fresh profile."""
+the window's client area) with a fresh profile. As a drop target: a page whose whole body is a
+drop zone that writes the name and size of each dropped File into its title."""
 
 import functools
+import json
 import http.server
 import os
 import shutil
@@ -32,6 +34,22 @@ PAGE = f"""<!doctype html><html><head><meta charset="utf-8"><title>Drag source</
 """
 
 
+DROP_TITLE = "Drop zone"
+DROPPED = "dropped:"
+
+DROP_PAGE = f"""<!doctype html><html><head><meta charset="utf-8"><title>{DROP_TITLE}</title>
+<style>html, body {{ margin: 0; height: 100%; background: #dfe; font: 20px sans-serif; }}</style></head>
+<body><p>Drop files here</p><script>
+document.body.addEventListener("dragover", e => e.preventDefault());
+document.body.addEventListener("drop", e => {{
+  e.preventDefault();
+  const files = Array.from(e.dataTransfer.files, f => [f.name, f.size]);
+  document.title = "{DROPPED}" + JSON.stringify(files);
+}});
+</script></body></html>
+"""
+
+
 def chromium_binary():
     for name in ("chromium", "chromium-browser", "google-chrome"):
         found = shutil.which(name)
@@ -48,7 +66,7 @@ class _QuietHandler(http.server.SimpleHTTPRequestHandler):
 class Browser:
     """A page server and a Chromium window showing it, on one desktop; both stop with it."""
 
-    def __init__(self, desktop):
+    def __init__(self, desktop, page="index.html", title="Drag source"):
         binary = chromium_binary()
         if not binary:
             skip("Chromium is not installed (chromium, from tools/install-deps.sh)")
@@ -56,6 +74,8 @@ class Browser:
         self.site = tempfile.mkdtemp(prefix="site-", dir=desktop.temp)
         with open(os.path.join(self.site, "index.html"), "w", encoding="utf-8") as f:
             f.write(PAGE)
+        with open(os.path.join(self.site, "drop.html"), "w", encoding="utf-8") as f:
+            f.write(DROP_PAGE)
         with open(os.path.join(self.site, "moss.html"), "w", encoding="utf-8") as f:
             f.write("<!doctype html><title>Moss</title><p>Moss.</p>")
         with open(os.path.join(self.site, "notes.txt"), "w", encoding="utf-8") as f:
@@ -77,14 +97,15 @@ class Browser:
             "--disable-background-networking", "--disable-component-update", "--disable-sync",
             "--password-store=basic", "--disable-features=Translate,MediaRouter",
             f"--user-data-dir={profile}", f"--window-position={x},{y}", f"--window-size={width},{height}",
-            f"--app={self.base}/index.html"], name="chromium")
+            f"--app={self.base}/{page}"], name="chromium")
+        self.title = title
         self.window = desktop.wait_mapped(self.program, timeout=60)
         self.client = desktop.wait_for(self._page_shown, 60, "Chromium to show the page")
 
     def _page_shown(self):
         # The window is mapped before the page is laid out; its title says the page is in.
         title = self.desktop.window_property(self.window, "_NET_WM_NAME") or ""
-        if "Drag source" not in title:
+        if self.title not in title:
             return None
         return self.desktop.window_geometry(self.window)
 
@@ -92,6 +113,17 @@ class Browser:
         """Screen coordinates of a point inside a page element, given by its place on the page."""
         cx, cy, _, _ = self.client
         return (cx + element[0] + 12, cy + element[1] + 10)
+
+    def dropped(self, timeout=10):
+        """The [name, size] pairs of the files the drop page took, once it took some."""
+        def title():
+            text = self.desktop.window_property(self.window, "_NET_WM_NAME") or ""
+            if DROPPED not in text:
+                return None
+            # xprop quotes the title and escapes the quotes in it.
+            unquoted = text.strip('"').replace('\\"', '"')
+            return unquoted[unquoted.index(DROPPED) + len(DROPPED):]
+        return json.loads(self.desktop.wait_for(title, timeout, "a drop on the page"))
 
     def url(self, path):
         return f"{self.base}/{path.lstrip('/')}"

@@ -6,6 +6,7 @@ import json
 import os
 import time
 import urllib.parse
+import uuid
 
 from .process import DesktopError
 from .programs import mosswick_binary
@@ -136,3 +137,39 @@ class Shelf:
     def wait_saved(self, until, timeout=10):
         """The items of the save file once `until(items)` holds."""
         return self.desktop.wait_json(save_file(self.desktop), until=until, timeout=timeout)
+
+
+def shelve(desktop, files, batch=None, links=None):
+    """Writes a save file holding `files` (paths, bytes or str, top of the shelf first), each with a
+    staged copy of its own, for a Mosswick not yet started to restore; `batch` makes them one
+    stack, `links` maps a file to the (url, title) of the link it stands for. Returns the items
+    as written."""
+    staging = os.path.join(os.fsencode(data_folder(desktop)), b"Staged")
+    os.makedirs(staging, mode=0o700, exist_ok=True)
+    items = []
+    for path in files:
+        path = os.fsencode(path)
+        item_id = str(uuid.uuid4()).upper()
+        folder = os.path.join(staging, item_id.encode())
+        os.makedirs(folder, mode=0o700)
+        staged = os.path.join(folder, os.path.basename(path))
+        with open(path, "rb") as source, open(staged, "wb") as copy:
+            copy.write(source.read())
+        item = {"id": item_id, "displayName": os.path.basename(path).decode(errors="replace"),
+                "originURL": _file_uri(path), "stagedURL": _file_uri(staged),
+                "contentTypeIdentifier": "text/plain", "byteSize": os.path.getsize(path),
+                "addedAt": 0, "isPromised": False}
+        if batch:
+            item["batchID"] = batch
+        if links and path in {os.fsencode(p) for p in links}:
+            url, title = links[next(p for p in links if os.fsencode(p) == path)]
+            item.update(webURL=url, displayName=title, contentTypeIdentifier="application/x-desktop")
+        items.append(item)
+    with open(save_file(desktop) + ".new", "w", encoding="utf-8") as f:
+        json.dump(items, f)
+    os.replace(save_file(desktop) + ".new", save_file(desktop))
+    return items
+
+
+def _file_uri(path):
+    return "file://" + urllib.parse.quote_from_bytes(path, safe="/")

@@ -1,0 +1,69 @@
+#include "platform/x11/X11DragTypeOverride.h"
+
+#include <QCoreApplication>
+#include <QGuiApplication>
+
+#include "platform/x11/X11Atoms.h"
+
+#include <xcb/xcb.h>
+
+namespace mosswick {
+
+namespace {
+
+xcb_connection_t* qtConnection() {
+    auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+}  // namespace
+
+X11DragTypeOverride::X11DragTypeOverride(X11Atoms& atoms) {
+    if (!qtConnection()) return;
+    atoms.intern({"XdndSelection", DragPayload::kMozUrl, DragPayload::kPlainText});
+    selection_ = atoms["XdndSelection"];
+    mozUrl_ = atoms[DragPayload::kMozUrl];
+    plainText_ = atoms[DragPayload::kPlainText];
+    if (selection_) QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+X11DragTypeOverride::~X11DragTypeOverride() {
+    if (selection_ && QCoreApplication::instance())
+        QCoreApplication::instance()->removeNativeEventFilter(this);
+}
+
+bool X11DragTypeOverride::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (eventType != "xcb_generic_event_t" || types_.empty()) return false;
+    const auto* event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & 0x7F) != XCB_SELECTION_REQUEST) return false;
+    const auto* request = static_cast<const xcb_selection_request_event_t*>(message);
+    if (request->selection != selection_) return false;
+    QByteArray target;
+    if (request->target == mozUrl_) target = DragPayload::kMozUrl;
+    if (request->target == plainText_) target = DragPayload::kPlainText;
+    if (target.isEmpty()) return false;
+    const Answer answer = DragTypeOverride::answer(types_, target);
+    if (answer.kind == Answer::Kind::qtDefault) return false;
+
+    xcb_connection_t* connection = qtConnection();
+    // A reader from before the property was named in the request uses the target's name.
+    const xcb_atom_t property = request->property != XCB_NONE ? request->property : request->target;
+    xcb_selection_notify_event_t notify{};
+    notify.response_type = XCB_SELECTION_NOTIFY;
+    notify.time = request->time;
+    notify.requestor = request->requestor;
+    notify.selection = request->selection;
+    notify.target = request->target;
+    notify.property = XCB_NONE;
+    if (answer.kind == Answer::Kind::bytes) {
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request->requestor, property, request->target,
+                            8, static_cast<uint32_t>(answer.bytes.size()), answer.bytes.constData());
+        notify.property = property;
+    }
+    xcb_send_event(connection, false, request->requestor, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&notify));
+    xcb_flush(connection);
+    return true;
+}
+
+}  // namespace mosswick
