@@ -20,6 +20,7 @@
 #include "interaction/ApplicationAppearance.h"
 #include "interaction/ThumbnailProvider.h"
 #include "interaction/MenuActions.h"
+#include "interaction/ShelfMenuPresenter.h"
 #include "interaction/ShelfMenus.h"
 #include "model/AppFiles.h"
 #include "model/JsonDefaultsStore.h"
@@ -100,14 +101,14 @@ int main(int argc, char** argv) {
     DesktopBackends desktop = DesktopBackends::forThisSession();
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
-    const ShelfPanelFactory panels({store, ReducedMotion(preferences, desktop.desktopMotion()),
-                                    desktop.panelHints(), drops, desktop.workspace(), desktop.dragTypes(),
-                                    [&defaults] {
-                                        const auto stored =
-                                            defaults.value(SettingsWindow::kLegacyMaterialKey);
-                                        const bool* classic = stored ? std::get_if<bool>(&*stored) : nullptr;
-                                        return classic && *classic;
-                                    }});
+    ShelfMenuPresenter shelfMenus(preferences, store);
+    const ShelfPanelFactory panels(
+        {store, ReducedMotion(preferences, desktop.desktopMotion()), desktop.panelHints(), drops,
+         desktop.workspace(), desktop.dragTypes(), shelfMenus, [&defaults] {
+             const auto stored = defaults.value(SettingsWindow::kLegacyMaterialKey);
+             const bool* classic = stored ? std::get_if<bool>(&*stored) : nullptr;
+             return classic && *classic;
+         }});
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);
@@ -169,6 +170,7 @@ int main(int argc, char** argv) {
                              },
                              {},
                              [] { QApplication::quit(); }});
+    shelfMenus.setActions(&menuActions);
     StatusBarController statusBar({[&] {
                                        return ShelfMenus::mainMenu({preferences, store, false});
                                    },

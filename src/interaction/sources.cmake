@@ -43,4 +43,5 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   DropHighlight.h DropHighlight.cpp
   ShelfView.h ShelfView.cpp
   MenuRenderer.h MenuRenderer.cpp
+  ShelfMenuPresenter.h ShelfMenuPresenter.cpp
 )

@@ -4,6 +4,7 @@
 #include "shelf/ShelfContentView.h"
 #include "shelf/ShelfPanel.h"
 #include "interaction/DragSource.h"
+#include "interaction/ShelfMenuPresenter.h"
 #include "interaction/ShelfView.h"
 
 namespace mosswick {
@@ -14,6 +15,10 @@ std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRec
     panel->contentView().setDropHandler(&parts_.drops);
     panel->shelfView().dragSource().setWorkspace(&parts_.workspace);
     panel->shelfView().dragSource().setTypeOverride(&parts_.dragTypes);
+    panel->shelfView().dragSource().setTileMenu(&parts_.menus);
+    ShelfMenuPresenter* menus = &parts_.menus;
+    QObject::connect(&panel->shelfView(), &ShelfView::contextMenuRequested, panel,
+                     [menus](QPoint at) { menus->popUpShelfMenu(at); });
     if (parts_.classicMaterial) panel->setClassicMaterial(parts_.classicMaterial());
     if (onPanelMade) onPanelMade(*panel);
     return std::make_unique<QtShelfPanelSurface>(panel);

@@ -11,6 +11,7 @@ namespace mosswick {
 class DragTypeOverride;
 class PanelWindowHints;
 class ShelfDropHandler;
+class ShelfMenuPresenter;
 class ShelfPanel;
 class ShelfStore;
 class Workspace;
@@ -28,6 +29,8 @@ public:
         Workspace& workspace;
         // Answers what Qt would get wrong of the drags out of the shelf.
         DragTypeOverride& dragTypes;
+        // The tile menu and the shelf's own menu.
+        ShelfMenuPresenter& menus;
         // Whether the user chose the classic material; asked as each panel is made.
         std::function<bool()> classicMaterial = {};
     };

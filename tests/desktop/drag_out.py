@@ -19,72 +19,15 @@ import urllib.parse
 from desktop import Cases, skip_unless_available
 from desktop.browser import Browser, DROP_TITLE
 from desktop.filemanager import Thunar
-from desktop.mosswick import Shelf, save_file, saved_items, shelve, staged_path
+from desktop.mosswick import Shelf, save_file, saved_items, staged_path
+from desktop.shelved import ShelfWithFiles, frame_for, uri
 from desktop.peers import TARGET_GEOMETRY
 
 skip_unless_available(mosswick=True)
 
 RX_POINT = (850, 200)
-# Long enough for a removal to be saved (0.4 s after it) had there been one.
-SETTLE = 1.5
-
-
-def frame_for(tiles):
-    h = min(tiles, 7) * 88 + 56
-    return (1078, 760 - 6 - h, 196, h)
-
-
-def tile_point(tiles, index):
-    _, y, _, _ = frame_for(tiles)
-    return (1176, y + 84 + 88 * index)
-
-
 def data(drop, target):
     return base64.b64decode(drop["data"][target])
-
-
-def uri(path):
-    return b"file://" + urllib.parse.quote_from_bytes(path, safe="/").encode()
-
-
-class ShelfWithFiles:
-    """A Mosswick started on a shelf holding files made in the case's own folder, top first."""
-
-    def __init__(self, d, names, settings=None, batch=None, links=None, folder=b"originals"):
-        self.d = d
-        self.folder = os.path.join(os.fsencode(d.output), folder)
-        os.makedirs(self.folder, exist_ok=True)
-        self.paths = []
-        for name in names:
-            path = os.path.join(self.folder, os.fsencode(name))
-            with open(path, "wb") as f:
-                f.write(b"contents of " + os.fsencode(name))
-            self.paths.append(path)
-        self.items = shelve(d, self.paths, batch=batch,
-                            links={self.paths[names.index(n)]: v for n, v in (links or {}).items()})
-        self.tiles = 1 if batch else len(names)
-        self.shelf = Shelf(d, settings, summon=True)
-        self.shelf.wait_frame(frame_for(self.tiles))
-
-    def tile(self, index=0):
-        return tile_point(self.tiles, index)
-
-    def staged(self, index):
-        return staged_path(self.items[index])
-
-    def saved_names(self, until):
-        """The names in the save file once `until(items)` holds for it."""
-        def ready():
-            items = saved_items(self.d)
-            return ([item["displayName"] for item in items],) if until(items) else None
-        return self.d.wait_for(ready, 10, "the shelf's save file")[0]
-
-    def kept(self):
-        """The shelf still shows all its tiles and saved no change, a while after the drag."""
-        before = os.stat(save_file(self.d)).st_mtime_ns
-        time.sleep(SETTLE)
-        assert os.stat(save_file(self.d)).st_mtime_ns == before, saved_items(self.d)
-        self.shelf.wait_frame(frame_for(self.tiles))
 
 
 class Receiver:
