@@ -176,24 +176,40 @@ Result<std::filesystem::path> promiseDestination(const QUuid& id) {
     return folder;
 }
 
-void pruneOrphans(const std::set<QUuid>& keeping) {
-    std::vector<std::string> orphans;
-    {
-        DIR* listing = ::opendir(directory().c_str());
-        if (!listing) return;
-        while (const dirent* entry = ::readdir(listing)) {
-            const char* name = entry->d_name;
-            if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) continue;
-            const std::optional<QUuid> id = uuidNamed(name);
-            const bool kept = id && keeping.count(*id) != 0 && isFolder(directory() / name, false);
-            if (!kept) orphans.emplace_back(name);
-        }
-        ::closedir(listing);
+std::vector<std::string> entries() {
+    std::vector<std::string> names;
+    DIR* listing = ::opendir(directory().c_str());
+    if (!listing) return names;
+    while (const dirent* entry = ::readdir(listing)) {
+        const char* name = entry->d_name;
+        if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) names.emplace_back(name);
     }
-    for (const std::string& name : orphans) {
+    ::closedir(listing);
+    return names;
+}
+
+void pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping) {
+    for (const std::string& name : listed) {
+        const std::optional<QUuid> id = uuidNamed(name.c_str());
+        if (id && keeping.count(*id) != 0 && isFolder(directory() / name, false)) continue;
         if (const std::string error = FileRemover::removeAll(directory() / name); !error.empty())
             qCInfo(lcStaging) << "Could not prune:" << error.c_str();
     }
+}
+
+void pruneOrphans(const std::set<QUuid>& keeping) { pruneOrphans(entries(), keeping); }
+
+std::optional<std::filesystem::path> finishedCopy(const QUuid& id) {
+    const std::filesystem::path folder = itemFolder(id);
+    if (!isFolder(folder, false)) return std::nullopt;
+    std::optional<std::filesystem::path> found;
+    std::error_code listing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, listing)) {
+        if (entry.path().filename().c_str()[0] == '.') continue;
+        if (found) return std::nullopt;
+        found = entry.path();
+    }
+    return found;
 }
 
 std::vector<ShelfItem> recoverItems() {
@@ -206,22 +222,18 @@ std::vector<ShelfItem> recoverItems() {
     for (const auto& folder : std::filesystem::directory_iterator(directory(), error)) {
         const std::optional<QUuid> id = uuidNamed(folder.path().filename().c_str());
         if (!id || !isFolder(folder.path(), false)) continue;
-        std::vector<std::filesystem::path> entries;
-        std::error_code listing;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path(), listing)) {
-            if (entry.path().filename().c_str()[0] != '.') entries.push_back(entry.path());
-        }
-        if (entries.size() != 1) {
-            qCWarning(lcStaging) << "Left an item folder as it is:" << folder.path().c_str() << "holds"
-                                 << entries.size() << "entries";
+        const std::optional<std::filesystem::path> copy = finishedCopy(*id);
+        if (!copy) {
+            qCWarning(lcStaging) << "Left an item folder as it is:" << folder.path().c_str()
+                                 << "does not hold exactly one visible entry";
             continue;
         }
         ShelfItem item;
         item.id = *id;
-        item.displayName = LocalPath::displayName(entries.front());
-        item.stagedURL = LocalPath::toUrl(entries.front(), isFolder(entries.front(), false));
-        item.contentTypeIdentifier = contentType(entries.front());
-        item.byteSize = deepFileSize(entries.front());
+        item.displayName = LocalPath::displayName(*copy);
+        item.stagedURL = LocalPath::toUrl(*copy, isFolder(*copy, false));
+        item.contentTypeIdentifier = contentType(*copy);
+        item.byteSize = deepFileSize(*copy);
         // The folder was made when the item came; its copy may be older (times are kept).
         struct stat info {};
         const qint64 added = ::lstat(folder.path().c_str(), &info) == 0 ? info.st_mtim.tv_sec : 0;

@@ -71,9 +71,11 @@ void ShelfStore::restore() {
                                    << item.id.toString(QUuid::WithoutBraces);
                 continue;
             }
+            // Searching for a moved original takes a millisecond or more each: never here.
+            if (item.originBookmark) item.originSearch = ShelfItem::OriginSearch::sought;
             if (limit >= 1 && static_cast<qint64>(items_.size()) >= limit)
                 overflow.push_back(std::move(item));
-            else if (item.dragURL())
+            else
                 items_.push_back(std::move(item));
         }
         if (!overflow.empty()) {
@@ -83,10 +85,74 @@ void ShelfStore::restore() {
         }
     }
     std::set<QUuid> keeping;
+    std::vector<ShelfItem> restored = items_;
     for (const ShelfItem& item : items_) keeping.insert(item.id);
-    for (const Batch& batch : removalHistory_)
+    for (const Batch& batch : removalHistory_) {
         for (const ShelfItem& item : batch) keeping.insert(item.id);
-    ItemStaging::pruneOrphans(keeping);
+        restored.insert(restored.end(), batch.begin(), batch.end());
+    }
+    // Listed now, removed later: folders that new drops make meanwhile are not on the list.
+    scheduler_.background(
+        [listed = ItemStaging::entries(), keeping] { ItemStaging::pruneOrphans(listed, keeping); });
+    restoreCheck_.check(std::move(restored));
+}
+
+void ShelfStore::takeFindings(const std::vector<RestoreCheck::Finding>& findings) {
+    std::map<QUuid, const RestoreCheck::Finding*> byId;
+    for (const RestoreCheck::Finding& finding : findings) byId[finding.id] = &finding;
+    bool recordsChanged = false;
+    // Items removed meanwhile are not brought back: only what is still here takes its finding.
+    const auto apply = [&](ShelfItem& item) -> const RestoreCheck::Finding* {
+        const auto found = byId.find(item.id);
+        if (found == byId.end()) return nullptr;
+        const RestoreCheck::Finding& finding = *found->second;
+        if (finding.movedOrigin) {
+            item.originURL = finding.movedOrigin;
+            if (finding.movedBookmark) item.originBookmark = finding.movedBookmark;
+            recordsChanged = true;
+        }
+        if (finding.finishedCopy) {
+            item.stagedURL = finding.finishedCopy;
+            recordsChanged = true;
+        }
+        item.originSearch =
+            finding.originNotFound ? ShelfItem::OriginSearch::notFound : ShelfItem::OriginSearch::onDemand;
+        return &finding;
+    };
+
+    bool shelfChanged = false;
+    std::vector<ShelfItem> lost;
+    for (auto item = items_.begin(); item != items_.end();) {
+        const RestoreCheck::Finding* finding = apply(*item);
+        shelfChanged |= finding != nullptr;
+        if (finding && finding->lost) {
+            lost.push_back(std::move(*item));
+            item = items_.erase(item);
+        } else {
+            ++item;
+        }
+    }
+    for (Batch& batch : removalHistory_) {
+        std::erase_if(batch, [&](ShelfItem& item) {
+            const RestoreCheck::Finding* finding = apply(item);
+            if (!finding || !finding->lost) return false;
+            lost.push_back(std::move(item));
+            return true;
+        });
+    }
+    std::erase_if(removalHistory_, [](const Batch& batch) { return batch.empty(); });
+
+    bool selectionChanged = false;
+    for (const ShelfItem& item : lost) {
+        qCWarning(lcStore) << "Left out a restored item: neither its original nor its copy is on disk:"
+                           << item.displayName;
+        selectionChanged |= selection_.erase(item.id) > 0;
+        forget(item);
+    }
+    recordsChanged |= !lost.empty();
+    if (shelfChanged) emit itemsChanged();
+    if (selectionChanged) emit this->selectionChanged();
+    if (recordsChanged) scheduleSave();
 }
 
 void ShelfStore::recoverFromDamagedSaveFile() {
@@ -116,8 +182,10 @@ void ShelfStore::update(const ShelfItem& item) {
                                [&](const ShelfItem& candidate) { return candidate.id == item.id; });
     if (stored == items_.end()) return;
     const std::optional<QUuid> batch = stored->batchID;
+    const ShelfItem::OriginSearch search = stored->originSearch;
     *stored = item;
     stored->batchID = batch;
+    stored->originSearch = search;
     emit itemsChanged();
     scheduleSave();
 }
@@ -130,8 +198,10 @@ void ShelfStore::update(const std::vector<ShelfItem>& items) {
         const auto found = incoming.find(stored.id);
         if (found == incoming.end()) continue;
         const std::optional<QUuid> batch = stored.batchID;
+        const ShelfItem::OriginSearch search = stored.originSearch;
         stored = *found->second;
         stored.batchID = batch;
+        stored.originSearch = search;
         changed = true;
     }
     if (!changed) return;

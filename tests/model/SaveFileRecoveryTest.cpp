@@ -107,6 +107,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, DamagedSaveFile,
 TEST_F(SaveFileRecoveryTest, ANewShelfWithoutASaveFileStillPrunesLeftovers) {
     const ShelfItem leftover = staged("leftover");
     EXPECT_TRUE(makeStore()->items().empty());
+    clock.drain();
     EXPECT_FALSE(std::filesystem::exists(ItemStaging::itemFolder(leftover.id)));
 }
 
