@@ -1,5 +1,6 @@
 #include "model/ShelfStore.h"
 
+#include <QHash>
 #include <algorithm>
 #include <map>
 
@@ -98,14 +99,17 @@ void ShelfStore::restore() {
 }
 
 void ShelfStore::takeFindings(const std::vector<RestoreCheck::Finding>& findings) {
-    std::map<QUuid, const RestoreCheck::Finding*> byId;
-    for (const RestoreCheck::Finding& finding : findings) byId[finding.id] = &finding;
+    // Looked up for every item on the shelf and in the history, thousands of times in a big
+    // restore: hashed, as comparing uuids in order is slow.
+    QHash<QUuid, const RestoreCheck::Finding*> byId;
+    byId.reserve(static_cast<qsizetype>(findings.size()));
+    for (const RestoreCheck::Finding& finding : findings) byId.insert(finding.id, &finding);
     bool recordsChanged = false;
     // Items removed meanwhile are not brought back: only what is still here takes its finding.
     const auto apply = [&](ShelfItem& item) -> const RestoreCheck::Finding* {
         const auto found = byId.find(item.id);
         if (found == byId.end()) return nullptr;
-        const RestoreCheck::Finding& finding = *found->second;
+        const RestoreCheck::Finding& finding = **found;
         if (finding.movedOrigin) {
             item.originURL = finding.movedOrigin;
             if (finding.movedBookmark) item.originBookmark = finding.movedBookmark;
@@ -369,15 +373,16 @@ void ShelfStore::enforceCapacity() {
 }
 
 void ShelfStore::scheduleSave() {
-    // The snapshot and its place in line are taken now; the write happens after the debounce, off
-    // the main thread. A write already running keeps the save file alive past the store.
-    auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
-    const std::uint64_t generation = saveFile_->nextGeneration();
+    // The write happens after the debounce, off the main thread, of the shelf as it is then: one
+    // snapshot per save, not per change (a big shelf costs milliseconds to copy). A write already
+    // running keeps the save file alive past the store.
     const double now = scheduler_.now();
     if (!unsavedSince_) unsavedSince_ = now;
     const double delay = std::clamp(*unsavedSince_ + kLongestSaveWait - now, 0.0, kSaveDelay);
-    saveTask_ = scheduler_.after(delay, [this, snapshot, generation] {
+    saveTask_ = scheduler_.after(delay, [this] {
         unsavedSince_.reset();
+        auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
+        const std::uint64_t generation = saveFile_->nextGeneration();
         auto error = std::make_shared<std::string>();
         // The result comes back only while the store lives; the write itself finishes regardless.
         scheduler_.background(
