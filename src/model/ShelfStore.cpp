@@ -385,7 +385,8 @@ void ShelfStore::scheduleSave() {
         const std::uint64_t generation = saveFile_->nextGeneration();
         auto error = std::make_shared<std::string>();
         // The result comes back only while the store lives; the write itself finishes regardless.
-        scheduler_.background(
+        // Promptly: behind a big drop's copies it would wait until the last one is made.
+        scheduler_.backgroundPromptly(
             [snapshot, generation, error, file = saveFile_] { *error = file->write(*snapshot, generation); },
             [this, error, alive = std::weak_ptr<int>(alive_)] {
                 if (!alive.expired()) saved(*error);
