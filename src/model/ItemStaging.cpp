@@ -188,16 +188,30 @@ std::vector<std::string> entries() {
     return names;
 }
 
-void pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping) {
+std::vector<ShelfItem> pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping,
+                                    std::optional<qint64> recoverSince) {
+    std::vector<ShelfItem> recovered;
     for (const std::string& name : listed) {
         const std::optional<QUuid> id = uuidNamed(name.c_str());
         if (id && keeping.count(*id) != 0 && isFolder(directory() / name, false)) continue;
+        if (id && recoverSince) {
+            struct stat info {};
+            const std::optional<std::filesystem::path> copy = finishedCopy(*id);
+            if (copy && ::lstat((directory() / name).c_str(), &info) == 0 &&
+                info.st_mtim.tv_sec >= *recoverSince) {
+                recovered.push_back(recoveredItem(*id, *copy, info.st_mtim.tv_sec));
+                continue;
+            }
+        }
         if (const std::string error = FileRemover::removeAll(directory() / name); !error.empty())
             qCInfo(lcStaging) << "Could not prune:" << error.c_str();
     }
+    std::sort(recovered.begin(), recovered.end(),
+              [](const ShelfItem& a, const ShelfItem& b) { return a.addedAt > b.addedAt; });
+    return recovered;
 }
 
-void pruneOrphans(const std::set<QUuid>& keeping) { pruneOrphans(entries(), keeping); }
+void pruneOrphans(const std::set<QUuid>& keeping) { pruneOrphans(entries(), keeping, std::nullopt); }
 
 std::optional<std::filesystem::path> finishedCopy(const QUuid& id) {
     const std::filesystem::path folder = itemFolder(id);
@@ -212,12 +226,20 @@ std::optional<std::filesystem::path> finishedCopy(const QUuid& id) {
     return found;
 }
 
+ShelfItem recoveredItem(const QUuid& id, const std::filesystem::path& copy, qint64 folderTime) {
+    ShelfItem item;
+    item.id = id;
+    item.displayName = LocalPath::displayName(copy);
+    item.stagedURL = LocalPath::toUrl(copy, isFolder(copy, false));
+    item.contentTypeIdentifier = contentType(copy);
+    item.byteSize = deepFileSize(copy);
+    // The folder was made when the item came; its copy may be older (times are kept).
+    item.addedAt = Timestamp::fromDateTime(QDateTime::fromSecsSinceEpoch(folderTime));
+    return item;
+}
+
 std::vector<ShelfItem> recoverItems() {
-    struct Found {
-        ShelfItem item;
-        qint64 added;
-    };
-    std::vector<Found> found;
+    std::vector<ShelfItem> items;
     std::error_code error;
     for (const auto& folder : std::filesystem::directory_iterator(directory(), error)) {
         const std::optional<QUuid> id = uuidNamed(folder.path().filename().c_str());
@@ -228,22 +250,12 @@ std::vector<ShelfItem> recoverItems() {
                                  << "does not hold exactly one visible entry";
             continue;
         }
-        ShelfItem item;
-        item.id = *id;
-        item.displayName = LocalPath::displayName(*copy);
-        item.stagedURL = LocalPath::toUrl(*copy, isFolder(*copy, false));
-        item.contentTypeIdentifier = contentType(*copy);
-        item.byteSize = deepFileSize(*copy);
-        // The folder was made when the item came; its copy may be older (times are kept).
         struct stat info {};
         const qint64 added = ::lstat(folder.path().c_str(), &info) == 0 ? info.st_mtim.tv_sec : 0;
-        item.addedAt = Timestamp::fromDateTime(QDateTime::fromSecsSinceEpoch(added));
-        found.push_back({std::move(item), added});
+        items.push_back(recoveredItem(*id, *copy, added));
     }
-    std::sort(found.begin(), found.end(), [](const Found& a, const Found& b) { return a.added > b.added; });
-    std::vector<ShelfItem> items;
-    items.reserve(found.size());
-    for (Found& one : found) items.push_back(std::move(one.item));
+    std::sort(items.begin(), items.end(),
+              [](const ShelfItem& a, const ShelfItem& b) { return a.addedAt > b.addedAt; });
     return items;
 }
 

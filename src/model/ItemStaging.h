@@ -54,9 +54,12 @@ Result<std::filesystem::path> promiseDestination(const QUuid& id);
 // (names are read as UUIDs in either case). Never fails.
 void pruneOrphans(const std::set<QUuid>& keeping);
 // The same, over entries listed earlier by entries(): a folder made since is never touched, so
-// the removing may run off the main thread while new items are staged.
+// the removing may run off the main thread while new items are staged. With `recoverSince` (seconds
+// since the epoch), item folders dated then or later that hold a finished copy are not removed but
+// returned as items, newest first: the shelf was stopped before a save caught up with them.
 std::vector<std::string> entries();
-void pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping);
+std::vector<ShelfItem> pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping,
+                                    std::optional<qint64> recoverSince);
 
 // The one visible entry of the item's folder (a copy that finished: unfinished ones have hidden
 // names), when the folder is a plain folder holding exactly one.
@@ -66,6 +69,8 @@ std::optional<std::filesystem::path> finishedCopy(const QUuid& id);
 // first: the shelf made anew when its save file is lost. Folders that are not plain folders, or
 // hold nothing or several entries, are left as they are.
 std::vector<ShelfItem> recoverItems();
+// The item a finished copy stands for, dated by its folder.
+ShelfItem recoveredItem(const QUuid& id, const std::filesystem::path& copy, qint64 folderTime);
 
 // True when the item has no staged copy, or its copy lies inside the item's own folder (a saved
 // record edited by hand or by another program may point anywhere).

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <algorithm>
 #include <map>
+#include <sys/stat.h>
 
 #include "model/AppFiles.h"
 #include "model/AtomicFile.h"
@@ -56,7 +57,14 @@ void ShelfStore::setTargeted(bool targeted) {
 
 void ShelfStore::restore() {
     AtomicFile::removeLeftovers(saveFile_->path());
+    // Copies that finished after the last save (or with no save yet) were on the shelf when it was
+    // stopped without a chance to save them: they come back rather than being pruned.
+    std::optional<qint64> recoverSince;
     if (preferences_.restoreItemsOnLaunch()) {
+        struct stat info {};
+        recoverSince = ::stat(saveFile_->path().c_str(), &info) == 0
+                           ? info.st_mtim.tv_sec - static_cast<qint64>(kUnsavedCopyMargin)
+                           : 0;
         ShelfSaveFile::Contents saved = saveFile_->read();
         if (saved.state == ShelfSaveFile::Contents::State::damaged) {
             recoverFromDamagedSaveFile();
@@ -93,9 +101,38 @@ void ShelfStore::restore() {
         restored.insert(restored.end(), batch.begin(), batch.end());
     }
     // Listed now, removed later: folders that new drops make meanwhile are not on the list.
+    auto recovered = std::make_shared<std::vector<ShelfItem>>();
     scheduler_.background(
-        [listed = ItemStaging::entries(), keeping] { ItemStaging::pruneOrphans(listed, keeping); });
+        [listed = ItemStaging::entries(), keeping, recoverSince, recovered] {
+            *recovered = ItemStaging::pruneOrphans(listed, keeping, recoverSince);
+        },
+        [this, recovered, alive = std::weak_ptr<int>(alive_)] {
+            if (!alive.expired()) takeUnsavedCopies(std::move(*recovered));
+        });
     restoreCheck_.check(std::move(restored));
+}
+
+void ShelfStore::takeUnsavedCopies(std::vector<ShelfItem> recovered) {
+    if (recovered.empty()) return;
+    qCWarning(lcStore) << recovered.size()
+                       << "copies had finished after the last save; they are back on the shelf";
+    // At the top, as the newest; past the limit into the removal history, copies kept.
+    const qint64 limit = preferences_.maximumItemCount();
+    items_.insert(items_.begin(), std::make_move_iterator(recovered.begin()),
+                  std::make_move_iterator(recovered.end()));
+    if (limit >= 1 && static_cast<qint64>(items_.size()) > limit) {
+        const auto firstOverflow = items_.begin() + static_cast<std::ptrdiff_t>(limit);
+        Batch overflow(std::make_move_iterator(firstOverflow), std::make_move_iterator(items_.end()));
+        items_.erase(firstOverflow, items_.end());
+        for (const ShelfItem& item : overflow) selection_.erase(item.id);
+        removalHistory_.push_front(std::move(overflow));
+        while (removalHistory_.size() > static_cast<size_t>(kRemovalHistoryLimit)) {
+            for (const ShelfItem& item : removalHistory_.back()) forget(item);
+            removalHistory_.pop_back();
+        }
+    }
+    emit itemsChanged();
+    scheduleSave();
 }
 
 void ShelfStore::takeFindings(const std::vector<RestoreCheck::Finding>& findings) {

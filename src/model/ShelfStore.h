@@ -33,6 +33,9 @@ public:
     static constexpr double kLongestSaveWait = 1.0;
     // After a failed save (a full disk), the next attempt comes by itself this much later.
     static constexpr double kSaveRetryDelay = 5.0;
+    // A copy whose folder is dated this close before the save file's last write may have finished
+    // after that save's snapshot was taken.
+    static constexpr double kUnsavedCopyMargin = 2.0;
 
     // Restores the saved shelf at once, from what its records say; what the disk says of them
     // (originals moved or gone, copies that finished after the last save, items nothing stands
@@ -95,6 +98,7 @@ private:
     void restore();
     void recoverFromDamagedSaveFile();
     void takeFindings(const std::vector<RestoreCheck::Finding>& findings);
+    void takeUnsavedCopies(std::vector<ShelfItem> recovered);
     void saved(const std::string& error);
     void setNotice(Notice notice, const QString& detail);
     void enforceCapacity();

@@ -5,6 +5,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <utime.h>
 
 #include "ModelTestHelpers.h"
 #include "model/AppFiles.h"
@@ -193,19 +194,36 @@ TEST_F(RestoredItemsTest, FindingsForAStoreThatIsGoneAreDropped) {
     clock.runBackgroundWork();  // must not touch the store
 }
 
-TEST_F(RestoredItemsTest, OrphansArePrunedButAFolderMadeAfterRestoreIsNot) {
+TEST_F(RestoredItemsTest, OldOrphansArePrunedNewOnesComeBackAndAFolderMadeAfterRestoreIsLeftAlone) {
     const ShelfItem kept = dropped("kept");
     save({kept});
-    const QUuid orphan = QUuid::createUuid();
-    testing::writeFile(ItemStaging::itemFolder(orphan) / "old", "x");
+    const auto dated = [](const QUuid& id, int secondsAgo) {
+        const utimbuf times{::time(nullptr) - secondsAgo, ::time(nullptr) - secondsAgo};
+        ::utime(ItemStaging::itemFolder(id).c_str(), &times);
+    };
+    // Removed long ago (its removal history went at a quit): pruned.
+    const QUuid old = QUuid::createUuid();
+    testing::writeFile(ItemStaging::itemFolder(old) / "old", "x");
+    dated(old, 3600);
+    // Finished after the last save, then the shelf was killed: back on the shelf.
+    const QUuid unsaved = QUuid::createUuid();
+    testing::writeFile(ItemStaging::itemFolder(unsaved) / "unsaved", "x");
+    // Killed halfway through its copy: nothing to bring back.
+    const QUuid partial = QUuid::createUuid();
+    testing::writeFile(ItemStaging::itemFolder(partial) / ".staging-1", "x");
 
     auto store = restoreHeld();
     ShelfItem fresh = dropped("fresh");  // a drop whose copy lands before the pruning runs
     store->add({fresh});
-    clock.runBackgroundWork();
-    EXPECT_FALSE(fs::exists(ItemStaging::itemFolder(orphan)));
+    clock.holdBackgroundWork(false);
+    clock.advance(ShelfStore::kLongestSaveWait);
+    EXPECT_FALSE(fs::exists(ItemStaging::itemFolder(old)));
+    EXPECT_FALSE(fs::exists(ItemStaging::itemFolder(partial)));
     EXPECT_TRUE(fs::exists(ItemStaging::itemFolder(kept.id) / "kept"));
     EXPECT_TRUE(fs::exists(ItemStaging::itemFolder(fresh.id) / "fresh"));
+    ASSERT_EQ(store->items().size(), 3u);
+    EXPECT_EQ(store->items()[0].id, unsaved);
+    EXPECT_EQ(savedItems().size(), 3u);
 }
 
 }  // namespace
