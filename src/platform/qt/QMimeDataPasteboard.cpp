@@ -18,21 +18,6 @@ const QString kQtImage = QStringLiteral("application/x-qt-image");
 const QString kPdf = QStringLiteral("application/pdf");
 const QString kHtml = QStringLiteral("text/html");
 
-// CR LF pairs made LF in one pass: QString::replace moves the rest of the text at every pair, which
-// took seconds for a text of 100 MB.
-QByteArray withLineFeeds(QByteArray bytes) {
-    const qsizetype first = bytes.indexOf("\r\n");
-    if (first < 0) return bytes;
-    char* out = bytes.data() + first;
-    const char* end = bytes.constData() + bytes.size();
-    for (const char* in = out; in != end; ++in) {
-        if (*in == '\r' && in + 1 != end && in[1] == '\n') continue;
-        *out++ = *in;
-    }
-    bytes.truncate(out - bytes.constData());
-    return bytes;
-}
-
 }  // namespace
 
 QMimeDataPasteboard::QMimeDataPasteboard(const QMimeData& data, PromiseFactory promises)
@@ -89,16 +74,8 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
         }
         return std::nullopt;
     }
-    static const QStringList plainTypes = PasteboardTypes::names(PasteboardContent::text);
-    for (const QString& type : plainTypes) {
-        // GTK hands text/plain out in MIME's canonical form, with CR LF line ends; the user's text
-        // had the line ends of this system (Qt's own copy of the same text has LF).
-        const QByteArray bytes =
-            type.startsWith(QLatin1String("text/plain")) ? withLineFeeds(read(type)) : read(type);
-        // The older X text types are Latin-1; the rest UTF-8.
-        QString text = type == QLatin1String("STRING") || type == QLatin1String("TEXT")
-                           ? QString::fromLatin1(bytes)
-                           : QString::fromUtf8(bytes);
+    if (const std::optional<PlainText> plain = rawPlainText()) {
+        QString text = plain->decoded();
         if (!text.isEmpty()) return text;
     }
     // Formatted text alone still gives its words.
@@ -108,6 +85,17 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
         if (bytes.isEmpty()) continue;
         const QString text = type == kHtml ? RichText::fromHtml(bytes) : RichText::fromRtf(bytes);
         if (!text.isEmpty()) return text;
+    }
+    return std::nullopt;
+}
+
+std::optional<PlainText> QMimeDataPasteboard::rawPlainText() const {
+    static const QStringList plainTypes = PasteboardTypes::names(PasteboardContent::text);
+    for (const QString& type : plainTypes) {
+        QByteArray bytes = read(type);
+        if (bytes.isEmpty()) continue;
+        return PlainText{std::move(bytes), type == QLatin1String("STRING") || type == QLatin1String("TEXT"),
+                         type.startsWith(QLatin1String("text/plain"))};
     }
     return std::nullopt;
 }
