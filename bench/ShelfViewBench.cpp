@@ -1,5 +1,6 @@
 // How quickly the shelf reaches the screen and how much main-thread time a full shelf costs to
-// lay out. Runs on a real X server (bench/view.sh starts one): mapping and painting are what is
+// lay out, and a start-up: 500 saved items (each original moved, so its bookmark must be searched)
+// restored and laid out. Runs on a real X server (bench/view.sh starts one): mapping and painting are what is
 // measured, so the offscreen platform would flatter it. Prints "name seconds" lines, each the
 // median of its runs, or for a shelf of 1,000 items scrolled the longest main-thread stall and the
 // 99th percentile of them.
@@ -15,6 +16,7 @@
 #include <set>
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <vector>
 
 #include "shelf/ReducedMotion.h"
@@ -30,6 +32,9 @@
 #include "shelf/ReducedMotion.h"
 #include "model/AppFiles.h"
 #include "model/DefaultsStore.h"
+#include "model/FileBookmark.h"
+#include "model/ItemStaging.h"
+#include "model/LocalPath.h"
 #include "model/Preferences.h"
 #include "model/ShelfStore.h"
 #include "platform/qt/QtDisplayEnvironment.h"
@@ -293,11 +298,67 @@ void measureDragStart() {
     report("drag_start_100", seconds);
 }
 
+// 500 records whose originals were renamed after the drop, each with its staged copy.
+std::vector<ShelfItem> makeMovedShelf() {
+    const auto originals = AppFiles::root().parent_path() / "originals";
+    std::filesystem::create_directories(originals);
+    std::vector<ShelfItem> items = makeItems(kLargeShelf);
+    for (ShelfItem& item : items) {
+        const std::string name = item.displayName.toStdString();
+        std::ofstream(originals / name) << "x";
+        item.originURL = LocalPath::toUrl(originals / name);
+        item.originBookmark = FileBookmark::create(originals / name);
+        std::filesystem::rename(originals / name, originals / ("Renamed " + name));
+        const auto staged = ItemStaging::itemFolder(item.id);
+        std::filesystem::create_directories(staged);
+        std::ofstream(staged / name) << "x";
+        item.stagedURL = LocalPath::toUrl(staged / name);
+    }
+    return items;
+}
+
+// From the store's construction at start-up until the view has every restored tile placed.
+void measureRestoreAndShow() {
+    MemoryDefaultsStore defaults;
+    Preferences preferences(defaults);
+    preferences.setReduceMotion(true);
+    preferences.setMaximumItemCount(kLargeShelf);
+    QtScheduler scheduler;
+    Scheduler::setShared(&scheduler);
+    NoDesktopMotionSetting desktopMotion;
+    const std::vector<ShelfItem> records = makeMovedShelf();
+    std::vector<double> seconds;
+    for (int run = 0; run < kRuns; ++run) {
+        ShelfSaveFile(AppFiles::saveFile()).write(records, 1);
+        QElapsedTimer timer;
+        timer.start();
+        {
+            ShelfStore store(preferences, scheduler, AppFiles::saveFile());
+            ShelfView view(store, ReducedMotion(preferences, desktopMotion));
+            view.resize(320, 600);
+            view.show();
+            QCoreApplication::processEvents();
+            seconds.push_back(timer.nsecsElapsed() / 1e9);
+            if (store.items().size() != records.size()) std::fprintf(stderr, "restore lost items\n");
+            // The background check and its save finish before the next run rewrites the file.
+            while (store.isCheckingRestoredItems() || store.hasPendingSave())
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+            scheduler.waitForBackgroundWork();
+        }
+    }
+    Scheduler::setShared(nullptr);
+    // The other measurements start from an empty shelf.
+    for (const ShelfItem& item : records) ItemStaging::discard(item.id);
+    std::filesystem::remove(AppFiles::saveFile());
+    report("restore_show_500", seconds);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     bench::MeteredApplication app(argc, argv);
     measureMenu();
+    measureRestoreAndShow();
     measureLayout();
     measureScroll();
     measureDragStart();

@@ -3,7 +3,9 @@
 # (target: at most 30 ms), and its time to take in the finished copies, which are made on other
 # threads. Each without and with the shelf's view redrawing; the mean of 5 drops. Taking in the
 # copies is also reported as the main thread's longest single stall and its 99th percentile
-# (the worst of the 5 drops): a stall is what the user sees (target: 16 ms, one frame).
+# (the worst of the 5 drops): a stall is what the user sees (target: 16 ms, one frame). And a
+# drop of 100 MB of text: the main thread's longest stretch of work from the drop until the text
+# is on disk (target: at most 16 ms), Qt's own reading of the drop from X not included.
 set -euo pipefail
 build=${1:-build}
 here=$(cd "$(dirname "$0")" && pwd)
@@ -26,6 +28,7 @@ while read -r name ms longest p99; do
     BM_Drop1000Files/1/*) row "drop 1,000 files: main thread, shelf shown" "$seconds" "-" "-" "<= 0.030 s" ;;
     BM_TakeIn1000Copies/0/*) row "take in their 1,000 copies: main thread" "$seconds" "-" "-" "absolute" ;;
     BM_TakeIn1000Copies/1/*) row "take in their 1,000 copies: main thread, shown" "$seconds" "-" "-" "absolute" ;;
+    BM_Drop100MBText*) row "drop 100 MB of text: longest main-thread work" "$(echo "$longest / 1000" | bc -l)" "-" "-" "<= 0.016 s (Qt's X read not counted)" ;;
   esac
   case $name in
     BM_TakeIn1000Copies/0/*) label="take in 1,000 copies" ;;

@@ -62,7 +62,7 @@ bool AppDelegate::applicationShouldHandleReopen() {
 void AppDelegate::systemDidWake() {
     std::set<QUuid> lost;
     for (const ShelfItem& item : services_.store.items()) {
-        if (!item.isPromised && !item.dragURL()) lost.insert(item.id);
+        if (item.isLost()) lost.insert(item.id);
     }
     if (!lost.empty()) services_.store.remove(lost, false);
 }

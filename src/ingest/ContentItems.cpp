@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QStringEncoder>
 #include <algorithm>
+#include <functional>
 
 #include "ingest/DesktopLinkFile.h"
 #include "ingest/DroppedFileNames.h"
@@ -97,9 +98,10 @@ std::optional<QByteArray> utf8Of(const QString& text) {
     return bytes;
 }
 
-// A long text is encoded and written off the main thread: its item waits for its file meanwhile,
-// as a promised file does, and leaves the shelf (logged) should the file not be written.
-ShelfItem writtenLater(const IngestServices& services, const QString& name, const QString& text) {
+// A long text is decoded, encoded and written off the main thread (`text` runs there): its item
+// waits for its file meanwhile, as a promised file does, and leaves the shelf (logged) should the
+// file not be written.
+ShelfItem writtenLater(const IngestServices& services, const QString& name, std::function<QString()> text) {
     ShelfItem item;
     item.id = QUuid::createUuid();
     item.displayName = name;
@@ -112,7 +114,7 @@ ShelfItem writtenLater(const IngestServices& services, const QString& name, cons
     ShelfStore& store = services.store;
     services.scheduler.background(
         [text, folder, file, result] {
-            const std::optional<QByteArray> bytes = utf8Of(text);
+            const std::optional<QByteArray> bytes = utf8Of(text());
             if (!bytes) {
                 result->first = "the text is not valid Unicode";
             } else if (!AppFiles::makePrivateDirectory(folder)) {
@@ -141,10 +143,19 @@ ShelfItem writtenLater(const IngestServices& services, const QString& name, cons
 }  // namespace
 
 std::optional<ShelfItem> readText(const Pasteboard& pasteboard, const IngestServices& services) {
+    // Decoding 100 MB takes a quarter of a second: a long text's bytes go to the background whole,
+    // and only their beginning is read here, for the name.
+    if (std::optional<PlainText> plain = pasteboard.rawPlainText();
+        plain && plain->bytes.size() >= kLongText) {
+        const QString head = plain->head(kTextHead);
+        if (hasVisibleCharacter(head))
+            return writtenLater(services, DroppedFileNames::forText(head),
+                                [plain = std::move(*plain)] { return plain.decoded(); });
+    }
     const std::optional<QString> text = pasteboard.string(Pasteboard::Text::plain);
     if (!text || !hasVisibleCharacter(*text)) return std::nullopt;
     const QString name = DroppedFileNames::forText(*text);
-    if (text->size() >= kLongText) return writtenLater(services, name, *text);
+    if (text->size() >= kLongText) return writtenLater(services, name, [text = *text] { return text; });
     const std::optional<QByteArray> bytes = utf8Of(*text);
     if (!bytes) {
         qCWarning(lcIngest) << "A dropped text is not valid Unicode; it was not kept";

@@ -23,8 +23,10 @@ std::optional<ShelfItem> readWebURL(const Pasteboard& pasteboard, const IngestSe
 // same way.
 std::optional<ShelfItem> readImage(const Pasteboard& pasteboard, const IngestServices& services);
 
-// Texts this long (in UTF-16 units, about a megabyte) are written off the main thread.
+// Texts this long (in UTF-16 units or bytes, about a megabyte) are written off the main thread.
 constexpr qsizetype kLongText = 1 << 20;
+// How much of a long text is decoded on the main thread, for its name.
+constexpr qsizetype kTextHead = 64 * 1024;
 
 // The whole plain text, untrimmed, as UTF-8, named by its first line. Nothing for a text of
 // blanks and line breaks only. A long text's item waits for its file (as a promised one does)

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "ingest/FilePromise.h"
+#include "ingest/PlainText.h"
 
 namespace mosswick {
 
@@ -42,6 +43,9 @@ public:
     virtual std::vector<Object> objects(Kinds kinds) const = 0;
     // Nothing when there is no such text, or it is empty.
     virtual std::optional<QString> string(Text kind) const = 0;
+    // The plain text string(Text::plain) would give, not yet decoded (a long one is decoded off the
+    // main thread); nothing when there is none, or this pasteboard reads text only as a string.
+    virtual std::optional<PlainText> rawPlainText() const { return std::nullopt; }
     // The image on offer, decoded; null when there is none or none that decodes.
     virtual QImage image() const = 0;
     // A PDF document on offer, as its bytes; empty when there is none.

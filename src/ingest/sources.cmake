@@ -2,6 +2,7 @@
 set(MOSSWICK_INGEST_SOURCES
   FilePromise.h
   Pasteboard.h
+  PlainText.h PlainText.cpp
   IngestServices.h IngestServices.cpp
   DroppedFileNames.h DroppedFileNames.cpp
   DesktopLinkFile.h DesktopLinkFile.cpp

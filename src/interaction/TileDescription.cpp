@@ -80,7 +80,9 @@ TileDescription TileDescription::of(const ShelfTile& tile, const OriginCheck& is
 
 bool TileDescription::originMissing(const ShelfItem& item) {
     const bool cameFromAFile = item.originURL.has_value() || item.originBookmark.has_value();
-    return cameFromAFile && !item.reachableOriginURL() && item.dragURL().has_value();
+    // Not while a search for it is still under way.
+    if (!cameFromAFile || item.originSearch == ShelfItem::OriginSearch::sought) return false;
+    return !item.reachableOriginURL() && item.dragURL().has_value();
 }
 
 bool TileDescription::isSelected(const ShelfTile& tile, const std::set<QUuid>& selection) {

@@ -176,62 +176,86 @@ Result<std::filesystem::path> promiseDestination(const QUuid& id) {
     return folder;
 }
 
-void pruneOrphans(const std::set<QUuid>& keeping) {
-    std::vector<std::string> orphans;
-    {
-        DIR* listing = ::opendir(directory().c_str());
-        if (!listing) return;
-        while (const dirent* entry = ::readdir(listing)) {
-            const char* name = entry->d_name;
-            if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) continue;
-            const std::optional<QUuid> id = uuidNamed(name);
-            const bool kept = id && keeping.count(*id) != 0 && isFolder(directory() / name, false);
-            if (!kept) orphans.emplace_back(name);
-        }
-        ::closedir(listing);
+std::vector<std::string> entries() {
+    std::vector<std::string> names;
+    DIR* listing = ::opendir(directory().c_str());
+    if (!listing) return names;
+    while (const dirent* entry = ::readdir(listing)) {
+        const char* name = entry->d_name;
+        if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) names.emplace_back(name);
     }
-    for (const std::string& name : orphans) {
+    ::closedir(listing);
+    return names;
+}
+
+std::vector<ShelfItem> pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping,
+                                    std::optional<qint64> recoverSince) {
+    std::vector<ShelfItem> recovered;
+    for (const std::string& name : listed) {
+        const std::optional<QUuid> id = uuidNamed(name.c_str());
+        if (id && keeping.count(*id) != 0 && isFolder(directory() / name, false)) continue;
+        if (id && recoverSince) {
+            struct stat info {};
+            const std::optional<std::filesystem::path> copy = finishedCopy(*id);
+            if (copy && ::lstat((directory() / name).c_str(), &info) == 0 &&
+                info.st_mtim.tv_sec >= *recoverSince) {
+                recovered.push_back(recoveredItem(*id, *copy, info.st_mtim.tv_sec));
+                continue;
+            }
+        }
         if (const std::string error = FileRemover::removeAll(directory() / name); !error.empty())
             qCInfo(lcStaging) << "Could not prune:" << error.c_str();
     }
+    std::sort(recovered.begin(), recovered.end(),
+              [](const ShelfItem& a, const ShelfItem& b) { return a.addedAt > b.addedAt; });
+    return recovered;
+}
+
+void pruneOrphans(const std::set<QUuid>& keeping) { pruneOrphans(entries(), keeping, std::nullopt); }
+
+std::optional<std::filesystem::path> finishedCopy(const QUuid& id) {
+    const std::filesystem::path folder = itemFolder(id);
+    if (!isFolder(folder, false)) return std::nullopt;
+    std::optional<std::filesystem::path> found;
+    std::error_code listing;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, listing)) {
+        if (entry.path().filename().c_str()[0] == '.') continue;
+        if (found) return std::nullopt;
+        found = entry.path();
+    }
+    return found;
+}
+
+ShelfItem recoveredItem(const QUuid& id, const std::filesystem::path& copy, qint64 folderTime) {
+    ShelfItem item;
+    item.id = id;
+    item.displayName = LocalPath::displayName(copy);
+    item.stagedURL = LocalPath::toUrl(copy, isFolder(copy, false));
+    item.contentTypeIdentifier = contentType(copy);
+    item.byteSize = deepFileSize(copy);
+    // The folder was made when the item came; its copy may be older (times are kept).
+    item.addedAt = Timestamp::fromDateTime(QDateTime::fromSecsSinceEpoch(folderTime));
+    return item;
 }
 
 std::vector<ShelfItem> recoverItems() {
-    struct Found {
-        ShelfItem item;
-        qint64 added;
-    };
-    std::vector<Found> found;
+    std::vector<ShelfItem> items;
     std::error_code error;
     for (const auto& folder : std::filesystem::directory_iterator(directory(), error)) {
         const std::optional<QUuid> id = uuidNamed(folder.path().filename().c_str());
         if (!id || !isFolder(folder.path(), false)) continue;
-        std::vector<std::filesystem::path> entries;
-        std::error_code listing;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path(), listing)) {
-            if (entry.path().filename().c_str()[0] != '.') entries.push_back(entry.path());
-        }
-        if (entries.size() != 1) {
-            qCWarning(lcStaging) << "Left an item folder as it is:" << folder.path().c_str() << "holds"
-                                 << entries.size() << "entries";
+        const std::optional<std::filesystem::path> copy = finishedCopy(*id);
+        if (!copy) {
+            qCWarning(lcStaging) << "Left an item folder as it is:" << folder.path().c_str()
+                                 << "does not hold exactly one visible entry";
             continue;
         }
-        ShelfItem item;
-        item.id = *id;
-        item.displayName = LocalPath::displayName(entries.front());
-        item.stagedURL = LocalPath::toUrl(entries.front(), isFolder(entries.front(), false));
-        item.contentTypeIdentifier = contentType(entries.front());
-        item.byteSize = deepFileSize(entries.front());
-        // The folder was made when the item came; its copy may be older (times are kept).
         struct stat info {};
         const qint64 added = ::lstat(folder.path().c_str(), &info) == 0 ? info.st_mtim.tv_sec : 0;
-        item.addedAt = Timestamp::fromDateTime(QDateTime::fromSecsSinceEpoch(added));
-        found.push_back({std::move(item), added});
+        items.push_back(recoveredItem(*id, *copy, added));
     }
-    std::sort(found.begin(), found.end(), [](const Found& a, const Found& b) { return a.added > b.added; });
-    std::vector<ShelfItem> items;
-    items.reserve(found.size());
-    for (Found& one : found) items.push_back(std::move(one.item));
+    std::sort(items.begin(), items.end(),
+              [](const ShelfItem& a, const ShelfItem& b) { return a.addedAt > b.addedAt; });
     return items;
 }
 

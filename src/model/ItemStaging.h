@@ -4,6 +4,7 @@
 #include <QUuid>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <variant>
@@ -52,11 +53,24 @@ Result<std::filesystem::path> promiseDestination(const QUuid& id);
 // Removes every entry of the staging directory that is not the folder of a kept item
 // (names are read as UUIDs in either case). Never fails.
 void pruneOrphans(const std::set<QUuid>& keeping);
+// The same, over entries listed earlier by entries(): a folder made since is never touched, so
+// the removing may run off the main thread while new items are staged. With `recoverSince` (seconds
+// since the epoch), item folders dated then or later that hold a finished copy are not removed but
+// returned as items, newest first: the shelf was stopped before a save caught up with them.
+std::vector<std::string> entries();
+std::vector<ShelfItem> pruneOrphans(const std::vector<std::string>& listed, const std::set<QUuid>& keeping,
+                                    std::optional<qint64> recoverSince);
+
+// The one visible entry of the item's folder (a copy that finished: unfinished ones have hidden
+// names), when the folder is a plain folder holding exactly one.
+std::optional<std::filesystem::path> finishedCopy(const QUuid& id);
 
 // Items for every item folder of the staging directory that holds one visible entry, newest folder
 // first: the shelf made anew when its save file is lost. Folders that are not plain folders, or
 // hold nothing or several entries, are left as they are.
 std::vector<ShelfItem> recoverItems();
+// The item a finished copy stands for, dated by its folder.
+ShelfItem recoveredItem(const QUuid& id, const std::filesystem::path& copy, qint64 folderTime);
 
 // True when the item has no staged copy, or its copy lies inside the item's own folder (a saved
 // record edited by hand or by another program may point anywhere).

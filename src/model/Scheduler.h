@@ -41,6 +41,11 @@ public:
 
     // Runs `work` off the main thread, then `done` (if any) on the main thread.
     virtual void background(std::function<void()> work, std::function<void()> done = {}) = 0;
+    // As background(), for short work whose delay matters (saving the shelf): it never waits in
+    // line behind the long jobs background() may have queued (a big drop's thousands of copies).
+    virtual void backgroundPromptly(std::function<void()> work, std::function<void()> done = {}) {
+        background(std::move(work), std::move(done));
+    }
 
     // Seconds on a monotonic clock; only differences mean anything.
     virtual double now() const = 0;

@@ -164,7 +164,7 @@ std::optional<ShelfItem> ShelfItem::fromJson(const QJsonValue& json) {
 std::optional<QUrl> ShelfItem::reachableOriginURL() const {
     // The original's own path wins; the bookmark is asked only once that path is empty.
     if (originURL && somethingAt(*originURL)) return originURL;
-    if (!originBookmark) return std::nullopt;
+    if (!originBookmark || originSearch != OriginSearch::onDemand) return std::nullopt;
     const auto resolved = FileBookmark::resolve(*originBookmark);
     if (!resolved || !LocalPath::exists(*resolved)) return std::nullopt;
     std::error_code ignored;
@@ -180,6 +180,10 @@ std::optional<QUrl> ShelfItem::dragURL() const {
 std::optional<QUrl> ShelfItem::previewURL() const {
     if (stagedURL && somethingAt(*stagedURL)) return stagedURL;
     return dragURL();
+}
+
+bool ShelfItem::isLost() const {
+    return !isPromised && originSearch != OriginSearch::sought && !dragURL().has_value();
 }
 
 bool ShelfItem::isDirectory() const {

@@ -28,6 +28,12 @@ struct ShelfItem {
     // Why no copy of the original could be kept (a full disk, an unreadable file), for the tile to
     // say; the item then stands for the original alone. Only for this run: never saved.
     QString copyProblem;
+    // Where the search for an original that is not at its recorded path stands, for this run
+    // only (never saved). A restored item is looked into off the main thread (`sought`): until
+    // that answers, no one searches on the main thread and the item is not taken for lost; once
+    // the search found nothing (`notFound`), it is not repeated.
+    enum class OriginSearch { onDemand, sought, notFound };
+    OriginSearch originSearch = OriginSearch::onDemand;
 
     static constexpr const char* kGenericContentType = "application/octet-stream";
 
@@ -44,6 +50,8 @@ struct ShelfItem {
     std::optional<QUrl> dragURL() const;             // the original, else the shelf's copy
     std::optional<QUrl> previewURL() const;          // the shelf's copy, else the original
     bool isDirectory() const;                        // dragURL is a folder (or a link to one)
+    // Nothing on disk stands for it, and nothing that could still bring it is under way.
+    bool isLost() const;
 };
 
 // The canonical upper-case 8-4-4-4-12 form the save file and the staging folders use.

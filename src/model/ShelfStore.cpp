@@ -1,7 +1,9 @@
 #include "model/ShelfStore.h"
 
+#include <QHash>
 #include <algorithm>
 #include <map>
+#include <sys/stat.h>
 
 #include "model/AppFiles.h"
 #include "model/AtomicFile.h"
@@ -55,7 +57,14 @@ void ShelfStore::setTargeted(bool targeted) {
 
 void ShelfStore::restore() {
     AtomicFile::removeLeftovers(saveFile_->path());
+    // Copies that finished after the last save (or with no save yet) were on the shelf when it was
+    // stopped without a chance to save them: they come back rather than being pruned.
+    std::optional<qint64> recoverSince;
     if (preferences_.restoreItemsOnLaunch()) {
+        struct stat info {};
+        recoverSince = ::stat(saveFile_->path().c_str(), &info) == 0
+                           ? info.st_mtim.tv_sec - static_cast<qint64>(kUnsavedCopyMargin)
+                           : 0;
         ShelfSaveFile::Contents saved = saveFile_->read();
         if (saved.state == ShelfSaveFile::Contents::State::damaged) {
             recoverFromDamagedSaveFile();
@@ -71,9 +80,11 @@ void ShelfStore::restore() {
                                    << item.id.toString(QUuid::WithoutBraces);
                 continue;
             }
+            // Searching for a moved original takes a millisecond or more each: never here.
+            if (item.originBookmark) item.originSearch = ShelfItem::OriginSearch::sought;
             if (limit >= 1 && static_cast<qint64>(items_.size()) >= limit)
                 overflow.push_back(std::move(item));
-            else if (item.dragURL())
+            else
                 items_.push_back(std::move(item));
         }
         if (!overflow.empty()) {
@@ -83,10 +94,106 @@ void ShelfStore::restore() {
         }
     }
     std::set<QUuid> keeping;
+    std::vector<ShelfItem> restored = items_;
     for (const ShelfItem& item : items_) keeping.insert(item.id);
-    for (const Batch& batch : removalHistory_)
+    for (const Batch& batch : removalHistory_) {
         for (const ShelfItem& item : batch) keeping.insert(item.id);
-    ItemStaging::pruneOrphans(keeping);
+        restored.insert(restored.end(), batch.begin(), batch.end());
+    }
+    // Listed now, removed later: folders that new drops make meanwhile are not on the list.
+    auto recovered = std::make_shared<std::vector<ShelfItem>>();
+    scheduler_.background(
+        [listed = ItemStaging::entries(), keeping, recoverSince, recovered] {
+            *recovered = ItemStaging::pruneOrphans(listed, keeping, recoverSince);
+        },
+        [this, recovered, alive = std::weak_ptr<int>(alive_)] {
+            if (!alive.expired()) takeUnsavedCopies(std::move(*recovered));
+        });
+    restoreCheck_.check(std::move(restored));
+}
+
+void ShelfStore::takeUnsavedCopies(std::vector<ShelfItem> recovered) {
+    if (recovered.empty()) return;
+    qCWarning(lcStore) << recovered.size()
+                       << "copies had finished after the last save; they are back on the shelf";
+    // At the top, as the newest; past the limit into the removal history, copies kept.
+    const qint64 limit = preferences_.maximumItemCount();
+    items_.insert(items_.begin(), std::make_move_iterator(recovered.begin()),
+                  std::make_move_iterator(recovered.end()));
+    if (limit >= 1 && static_cast<qint64>(items_.size()) > limit) {
+        const auto firstOverflow = items_.begin() + static_cast<std::ptrdiff_t>(limit);
+        Batch overflow(std::make_move_iterator(firstOverflow), std::make_move_iterator(items_.end()));
+        items_.erase(firstOverflow, items_.end());
+        for (const ShelfItem& item : overflow) selection_.erase(item.id);
+        removalHistory_.push_front(std::move(overflow));
+        while (removalHistory_.size() > static_cast<size_t>(kRemovalHistoryLimit)) {
+            for (const ShelfItem& item : removalHistory_.back()) forget(item);
+            removalHistory_.pop_back();
+        }
+    }
+    emit itemsChanged();
+    scheduleSave();
+}
+
+void ShelfStore::takeFindings(const std::vector<RestoreCheck::Finding>& findings) {
+    // Looked up for every item on the shelf and in the history, thousands of times in a big
+    // restore: hashed, as comparing uuids in order is slow.
+    QHash<QUuid, const RestoreCheck::Finding*> byId;
+    byId.reserve(static_cast<qsizetype>(findings.size()));
+    for (const RestoreCheck::Finding& finding : findings) byId.insert(finding.id, &finding);
+    bool recordsChanged = false;
+    // Items removed meanwhile are not brought back: only what is still here takes its finding.
+    const auto apply = [&](ShelfItem& item) -> const RestoreCheck::Finding* {
+        const auto found = byId.find(item.id);
+        if (found == byId.end()) return nullptr;
+        const RestoreCheck::Finding& finding = **found;
+        if (finding.movedOrigin) {
+            item.originURL = finding.movedOrigin;
+            if (finding.movedBookmark) item.originBookmark = finding.movedBookmark;
+            recordsChanged = true;
+        }
+        if (finding.finishedCopy) {
+            item.stagedURL = finding.finishedCopy;
+            recordsChanged = true;
+        }
+        item.originSearch =
+            finding.originNotFound ? ShelfItem::OriginSearch::notFound : ShelfItem::OriginSearch::onDemand;
+        return &finding;
+    };
+
+    bool shelfChanged = false;
+    std::vector<ShelfItem> lost;
+    for (auto item = items_.begin(); item != items_.end();) {
+        const RestoreCheck::Finding* finding = apply(*item);
+        shelfChanged |= finding != nullptr;
+        if (finding && finding->lost) {
+            lost.push_back(std::move(*item));
+            item = items_.erase(item);
+        } else {
+            ++item;
+        }
+    }
+    for (Batch& batch : removalHistory_) {
+        std::erase_if(batch, [&](ShelfItem& item) {
+            const RestoreCheck::Finding* finding = apply(item);
+            if (!finding || !finding->lost) return false;
+            lost.push_back(std::move(item));
+            return true;
+        });
+    }
+    std::erase_if(removalHistory_, [](const Batch& batch) { return batch.empty(); });
+
+    bool selectionChanged = false;
+    for (const ShelfItem& item : lost) {
+        qCWarning(lcStore) << "Left out a restored item: neither its original nor its copy is on disk:"
+                           << item.displayName;
+        selectionChanged |= selection_.erase(item.id) > 0;
+        forget(item);
+    }
+    recordsChanged |= !lost.empty();
+    if (shelfChanged) emit itemsChanged();
+    if (selectionChanged) emit this->selectionChanged();
+    if (recordsChanged) scheduleSave();
 }
 
 void ShelfStore::recoverFromDamagedSaveFile() {
@@ -116,8 +223,10 @@ void ShelfStore::update(const ShelfItem& item) {
                                [&](const ShelfItem& candidate) { return candidate.id == item.id; });
     if (stored == items_.end()) return;
     const std::optional<QUuid> batch = stored->batchID;
+    const ShelfItem::OriginSearch search = stored->originSearch;
     *stored = item;
     stored->batchID = batch;
+    stored->originSearch = search;
     emit itemsChanged();
     scheduleSave();
 }
@@ -130,8 +239,10 @@ void ShelfStore::update(const std::vector<ShelfItem>& items) {
         const auto found = incoming.find(stored.id);
         if (found == incoming.end()) continue;
         const std::optional<QUuid> batch = stored.batchID;
+        const ShelfItem::OriginSearch search = stored.originSearch;
         stored = *found->second;
         stored.batchID = batch;
+        stored.originSearch = search;
         changed = true;
     }
     if (!changed) return;
@@ -299,18 +410,20 @@ void ShelfStore::enforceCapacity() {
 }
 
 void ShelfStore::scheduleSave() {
-    // The snapshot and its place in line are taken now; the write happens after the debounce, off
-    // the main thread. A write already running keeps the save file alive past the store.
-    auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
-    const std::uint64_t generation = saveFile_->nextGeneration();
+    // The write happens after the debounce, off the main thread, of the shelf as it is then: one
+    // snapshot per save, not per change (a big shelf costs milliseconds to copy). A write already
+    // running keeps the save file alive past the store.
     const double now = scheduler_.now();
     if (!unsavedSince_) unsavedSince_ = now;
     const double delay = std::clamp(*unsavedSince_ + kLongestSaveWait - now, 0.0, kSaveDelay);
-    saveTask_ = scheduler_.after(delay, [this, snapshot, generation] {
+    saveTask_ = scheduler_.after(delay, [this] {
         unsavedSince_.reset();
+        auto snapshot = std::make_shared<std::vector<ShelfItem>>(items_);
+        const std::uint64_t generation = saveFile_->nextGeneration();
         auto error = std::make_shared<std::string>();
         // The result comes back only while the store lives; the write itself finishes regardless.
-        scheduler_.background(
+        // Promptly: behind a big drop's copies it would wait until the last one is made.
+        scheduler_.backgroundPromptly(
             [snapshot, generation, error, file = saveFile_] { *error = file->write(*snapshot, generation); },
             [this, error, alive = std::weak_ptr<int>(alive_)] {
                 if (!alive.expired()) saved(*error);

@@ -6,6 +6,7 @@
 #include <set>
 #include <vector>
 
+#include "model/RestoreCheck.h"
 #include "model/Scheduler.h"
 #include "model/ShelfItem.h"
 #include "model/ShelfSaveFile.h"
@@ -32,8 +33,14 @@ public:
     static constexpr double kLongestSaveWait = 1.0;
     // After a failed save (a full disk), the next attempt comes by itself this much later.
     static constexpr double kSaveRetryDelay = 5.0;
+    // A copy whose folder is dated this close before the save file's last write may have finished
+    // after that save's snapshot was taken.
+    static constexpr double kUnsavedCopyMargin = 2.0;
 
-    // Restores the saved shelf at once (and prunes orphaned staging folders).
+    // Restores the saved shelf at once, from what its records say; what the disk says of them
+    // (originals moved or gone, copies that finished after the last save, items nothing stands
+    // for) is looked into off the main thread and applied as it comes. Orphaned staging folders
+    // are pruned off the main thread too.
     ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
                QObject* parent = nullptr);
     ~ShelfStore() override;
@@ -72,6 +79,8 @@ public:
     bool hasPendingSave() const { return saveTask_.isPending(); }
     // The save file could not be read at start, and the shelf was made from the staging folder.
     bool recoveredFromDamagedSaveFile() const { return recoveredFromDamage_; }
+    // Restored items are still being looked into.
+    bool isCheckingRestoredItems() const { return restoreCheck_.isRunning(); }
 
     // What the user must learn about the shelf itself, shown on it until it no longer holds or
     // the user dismisses it.
@@ -91,6 +100,8 @@ signals:
 private:
     void restore();
     void recoverFromDamagedSaveFile();
+    void takeFindings(const std::vector<RestoreCheck::Finding>& findings);
+    void takeUnsavedCopies(std::vector<ShelfItem> recovered);
     void saved(const std::string& error);
     void setNotice(Notice notice, const QString& detail);
     void enforceCapacity();
@@ -113,6 +124,8 @@ private:
     Notice notice_ = Notice::none;
     QString noticeDetail_;
     ScheduledTask retryTask_;
+    RestoreCheck restoreCheck_{
+        scheduler_, [this](std::vector<RestoreCheck::Finding> findings) { takeFindings(findings); }};
     // Lets a save's result, arriving from the background, tell whether the store still exists.
     std::shared_ptr<int> alive_ = std::make_shared<int>(0);
 };

@@ -23,6 +23,7 @@ set(MOSSWICK_MODEL_SOURCES
   Preferences.h Preferences.cpp
   ThumbnailCache.h
   ShelfTile.h
+  RestoreCheck.h RestoreCheck.cpp
   ShelfStore.h ShelfStore.cpp
   ShelfSaveFile.h ShelfSaveFile.cpp
 )

@@ -1,5 +1,6 @@
 // Links, images and texts kept as files: their bytes, names and item fields.
 
+#include "ingest/ContentItems.h"
 #include "model/ItemStaging.h"
 #include "model/LocalPath.h"
 #include "support/IngestFixture.h"
@@ -105,6 +106,39 @@ TEST_F(ContentItemsTest, AHundredMegabyteTextIsKeptWhole) {
     EXPECT_FALSE(item->isPromised);
     EXPECT_EQ(std::filesystem::file_size(itemFile(*item)), 100u * 1024 * 1024);
     EXPECT_EQ(item->byteSize, 100 * 1024 * 1024);
+}
+
+TEST_F(ContentItemsTest, ALongTextOfferedAsBytesIsDecodedOffTheMainThreadWithTheUsersLineEnds) {
+    QByteArray canonical = QByteArrayLiteral("Minutes: 3\r\n");
+    while (canonical.size() < ContentItems::kLongText) canonical.append("line one\r\nline \xc3\xa4\r\n");
+    FakePasteboard pasteboard;
+    pasteboard.rawText = PlainText{canonical, false, true};
+
+    const ShelfItem waiting = only(pasteboard);
+    EXPECT_EQ(waiting.displayName, QStringLiteral("Minutes- 3.txt")) << "named by its first line";
+    EXPECT_TRUE(waiting.isPromised);
+    finishBackgroundWork();
+    const ShelfItem* item = onShelf(waiting.id);
+    ASSERT_TRUE(item);
+    EXPECT_EQ(readFile(itemFile(*item)), QByteArray(canonical).replace("\r\n", "\n").toStdString());
+}
+
+TEST_F(ContentItemsTest, LineEndsAreMadeTheSystemsOwnAndNothingElseChanges) {
+    const struct {
+        QByteArray bytes;
+        bool isLatin1, canonical;
+        QString text;
+    } rows[] = {
+        {"a\r\nb\r\n", false, true, QStringLiteral("a\nb\n")},
+        {"lone\rcarriage\r", false, true, QStringLiteral("lone\rcarriage\r")},
+        {"\r\r\n\r\n\n", false, true, QStringLiteral("\r\n\n\n")},
+        {"kept\r\nas is", false, false, QStringLiteral("kept\r\nas is")},
+        {"caf\xe9\r\n", true, true, QStringLiteral("caf\u00e9\n")},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(PlainText({row.bytes, row.isLatin1, row.canonical}).decoded(), row.text)
+            << row.bytes.toStdString();
+    }
 }
 
 TEST_F(ContentItemsTest, AFileThatCannotBeWrittenLosesNothingAlreadyOnTheShelfAndIsLogged) {

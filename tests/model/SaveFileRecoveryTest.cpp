@@ -104,10 +104,14 @@ INSTANTIATE_TEST_SUITE_P(Rows, DamagedSaveFile,
                                                      std::string(100001, '[').append(100001, ']')}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(SaveFileRecoveryTest, ANewShelfWithoutASaveFileStillPrunesLeftovers) {
+TEST_F(SaveFileRecoveryTest, WithoutASaveFileFinishedCopiesComeBackAndTheRestIsPruned) {
+    // Killed before its first save: the copy is all there is.
     const ShelfItem leftover = staged("leftover");
-    EXPECT_TRUE(makeStore()->items().empty());
-    EXPECT_FALSE(std::filesystem::exists(ItemStaging::itemFolder(leftover.id)));
+    testing::writeFile(ItemStaging::directory() / "not an item", "x");
+    auto store = makeStore();
+    clock.drain();
+    EXPECT_EQ(names(store->items()), (std::vector<std::string>{"leftover"}));
+    EXPECT_FALSE(std::filesystem::exists(ItemStaging::directory() / "not an item"));
 }
 
 TEST_F(SaveFileRecoveryTest, ARecordWhoseCopyLiesOutsideItsFolderIsDropped) {

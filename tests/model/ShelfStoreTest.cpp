@@ -286,6 +286,7 @@ TEST_F(ShelfStoreTest, RestoreKeepsItemsWithAFileAndPrunesEverythingElse) {
     testing::writeFile(ItemStaging::directory() / "temp" / "f", "x");
 
     auto store = makeStore();
+    clock.drain();  // what the disk says comes from the background
     EXPECT_EQ(names(store->items()), (Names{"kept"}));
     EXPECT_TRUE(hasStagedFolder(kept));
     EXPECT_FALSE(hasStagedFolder(gone));
@@ -304,6 +305,7 @@ TEST_F(ShelfStoreTest, RestoreTurnedOffEmptiesTheStagingArea) {
     ASSERT_TRUE(hasStagedFolder(a));
     preferences.setRestoreItemsOnLaunch(false);
     EXPECT_TRUE(makeStore()->items().empty());
+    clock.drain();
     EXPECT_FALSE(hasStagedFolder(a));
 }
 

@@ -74,17 +74,8 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
         }
         return std::nullopt;
     }
-    static const QStringList plainTypes = PasteboardTypes::names(PasteboardContent::text);
-    for (const QString& type : plainTypes) {
-        const QByteArray bytes = read(type);
-        // The older X text types are Latin-1; the rest UTF-8.
-        QString text = type == QLatin1String("STRING") || type == QLatin1String("TEXT")
-                           ? QString::fromLatin1(bytes)
-                           : QString::fromUtf8(bytes);
-        // GTK hands text/plain out in MIME's canonical form, with CR LF line ends; the user's text
-        // had the line ends of this system (Qt's own copy of the same text has LF).
-        if (type.startsWith(QLatin1String("text/plain")))
-            text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    if (const std::optional<PlainText> plain = rawPlainText()) {
+        QString text = plain->decoded();
         if (!text.isEmpty()) return text;
     }
     // Formatted text alone still gives its words.
@@ -94,6 +85,17 @@ std::optional<QString> QMimeDataPasteboard::string(Text kind) const {
         if (bytes.isEmpty()) continue;
         const QString text = type == kHtml ? RichText::fromHtml(bytes) : RichText::fromRtf(bytes);
         if (!text.isEmpty()) return text;
+    }
+    return std::nullopt;
+}
+
+std::optional<PlainText> QMimeDataPasteboard::rawPlainText() const {
+    static const QStringList plainTypes = PasteboardTypes::names(PasteboardContent::text);
+    for (const QString& type : plainTypes) {
+        QByteArray bytes = read(type);
+        if (bytes.isEmpty()) continue;
+        return PlainText{std::move(bytes), type == QLatin1String("STRING") || type == QLatin1String("TEXT"),
+                         type.startsWith(QLatin1String("text/plain"))};
     }
     return std::nullopt;
 }

@@ -29,6 +29,7 @@ public:
     QStringList types() const override;
     std::vector<Object> objects(Kinds kinds) const override;
     std::optional<QString> string(Text kind) const override;
+    std::optional<PlainText> rawPlainText() const override;
     QImage image() const override;
     QByteArray document() const override;
 

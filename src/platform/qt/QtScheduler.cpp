@@ -9,9 +9,13 @@ namespace mosswick {
 QtScheduler::QtScheduler() {
     clock_.start();
     pool_.setMaxThreadCount(std::max(2, QThread::idealThreadCount()));
+    promptPool_.setMaxThreadCount(1);
 }
 
-QtScheduler::~QtScheduler() { pool_.waitForDone(); }
+QtScheduler::~QtScheduler() {
+    pool_.waitForDone();
+    promptPool_.waitForDone();
+}
 
 ScheduledTask QtScheduler::after(double seconds, std::function<void()> task) {
     auto state = std::make_shared<ScheduledTask::State>();
@@ -25,8 +29,16 @@ ScheduledTask QtScheduler::after(double seconds, std::function<void()> task) {
 }
 
 void QtScheduler::background(std::function<void()> work, std::function<void()> done) {
-    QObject* context = &context_;  // outlives every job: the destructor waits for the pool
-    pool_.start([work = std::move(work), done = std::move(done), context]() mutable {
+    run(pool_, std::move(work), std::move(done));
+}
+
+void QtScheduler::backgroundPromptly(std::function<void()> work, std::function<void()> done) {
+    run(promptPool_, std::move(work), std::move(done));
+}
+
+void QtScheduler::run(QThreadPool& pool, std::function<void()> work, std::function<void()> done) {
+    QObject* context = &context_;  // outlives every job: the destructor waits for the pools
+    pool.start([work = std::move(work), done = std::move(done), context]() mutable {
         work();
         if (!done) return;
         // The context object lives on the main thread; queued onto it, `done` runs there, and is
@@ -37,6 +49,9 @@ void QtScheduler::background(std::function<void()> work, std::function<void()> d
 
 double QtScheduler::now() const { return static_cast<double>(clock_.nsecsElapsed()) / 1e9; }
 
-void QtScheduler::waitForBackgroundWork() { pool_.waitForDone(); }
+void QtScheduler::waitForBackgroundWork() {
+    pool_.waitForDone();
+    promptPool_.waitForDone();
+}
 
 }  // namespace mosswick

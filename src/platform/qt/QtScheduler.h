@@ -9,8 +9,8 @@
 namespace mosswick {
 
 // The application's scheduler: single-shot Qt timers on the main thread and a thread pool for
-// background work. Background jobs still running at destruction are waited for, so a pending
-// save is never cut off at quit.
+// background work (and a thread of its own for prompt work). Background jobs still running at destruction are
+// waited for, so a pending save is never cut off at quit.
 class QtScheduler final : public Scheduler {
 public:
     QtScheduler();
@@ -18,13 +18,18 @@ public:
 
     ScheduledTask after(double seconds, std::function<void()> task) override;
     void background(std::function<void()> work, std::function<void()> done = {}) override;
+    void backgroundPromptly(std::function<void()> work, std::function<void()> done = {}) override;
     double now() const override;
 
     void waitForBackgroundWork();
 
 private:
+    void run(QThreadPool& pool, std::function<void()> work, std::function<void()> done);
+
     QObject context_;
     QThreadPool pool_;
+    // One thread of its own for prompt work, so it never queues behind the pool's.
+    QThreadPool promptPool_;
     QElapsedTimer clock_;
 };
 

@@ -46,6 +46,7 @@ std::vector<Pasteboard::Object> FakePasteboard::objects(Kinds kinds) const {
 }
 
 std::optional<QString> FakePasteboard::string(Text kind) const {
+    if (kind == Text::plain && rawText) return rawText->decoded();
     const std::optional<QString>& text = kind == Text::plain ? plainText : linkTitle;
     if (!text || text->isEmpty()) return std::nullopt;
     return text;

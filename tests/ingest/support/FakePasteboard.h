@@ -13,6 +13,8 @@ public:
     // URLs and promises, in pasteboard order.
     std::vector<Object> items;
     std::optional<QString> plainText;
+    // Plain text as bytes, as Qt's pasteboard offers it (string() gives it decoded).
+    std::optional<PlainText> rawText;
     std::optional<QString> linkTitle;
     // Decoded on request, as a real pasteboard does: bytes that are no image give no image.
     QByteArray imageBytes;
@@ -27,6 +29,7 @@ public:
     QStringList types() const override { return offeredTypes; }
     std::vector<Object> objects(Kinds kinds) const override;
     std::optional<QString> string(Text kind) const override;
+    std::optional<PlainText> rawPlainText() const override { return rawText; }
     QImage image() const override;
     QByteArray document() const override { return pdf; }
 };
