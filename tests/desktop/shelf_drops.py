@@ -19,7 +19,7 @@ import subprocess
 import uuid
 
 from desktop import Cases, skip, skip_unless_available
-from desktop.files import file_uri, make_files, make_png, png_pixels, read_bytes
+from desktop.files import file_uri, make_files, make_png, png_pixels, read_bytes, tree
 from desktop.mosswick import Shelf, data_folder, save_file, saved_items, staged_path
 from desktop.peers import SOURCE_GEOMETRY, SOURCE_POINT
 
@@ -88,16 +88,6 @@ class Drops:
         """Stops Mosswick, which must leave one staged folder per item and nothing else."""
         self.shelf.stop()
         assert len(os.listdir(self.staging)) == self.count, (os.listdir(self.staging), self.count)
-
-
-def tree(folder):
-    """{relative path: bytes or None for folders} of everything under a folder (paths as bytes)."""
-    found = {}
-    for root, folders, files in os.walk(folder):
-        for name in folders + files:
-            path = os.path.join(root, name)
-            found[os.path.relpath(path, folder)] = None if name in folders else read_bytes(path)
-    return found
 
 
 def saved_shelf(d, names):

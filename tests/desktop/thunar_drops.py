@@ -12,7 +12,7 @@ import time
 
 from desktop import Cases, skip_unless_available
 from desktop.filemanager import Thunar
-from desktop.files import make_files, read_bytes
+from desktop.files import make_files, read_bytes, tree
 from desktop.mosswick import Shelf, staged_path
 from desktop.watch import ShelfWatch
 
@@ -21,16 +21,6 @@ skip_unless_available("thunar", "dbus-run-session", mosswick=True)
 SHELF_POINT = (1176, 700)
 
 cases = Cases(strut_bottom=40)
-
-
-def tree(folder):
-    """{relative path: bytes or None for folders} of everything under a folder."""
-    found = {}
-    for root, folders, files in os.walk(folder):
-        for name in folders + files:
-            path = os.path.join(root, name)
-            found[os.path.relpath(path, folder)] = None if name in folders else read_bytes(path)
-    return found
 
 
 def drag_from_thunar(d, path):

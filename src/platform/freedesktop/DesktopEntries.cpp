@@ -7,6 +7,7 @@
 #include <QMutex>
 #include <QSet>
 #include <QStandardPaths>
+#include <functional>
 
 namespace mosswick {
 
@@ -87,6 +88,25 @@ QString desktopIdOf(const QDir& folder, const QString& path) {
     return id;
 }
 
+// Calls `visit(id, file)` for each desktop entry of the folders, in order; an id seen in an
+// earlier folder hides the later entries of that id, as the desktop's own lookup does.
+void forEachEntry(const QStringList& folders,
+                  const std::function<void(const QString&, const QString&)>& visit) {
+    QSet<QString> seen;
+    for (const QString& path : folders) {
+        const QDir folder(path);
+        QDirIterator files(path, {QStringLiteral("*.desktop")}, QDir::Files,
+                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            const QString id = desktopIdOf(folder, file);
+            if (seen.contains(id)) continue;
+            seen.insert(id);
+            visit(id, file);
+        }
+    }
+}
+
 // The folders and their subfolders, for the watcher.
 QStringList foldersBelow(const QStringList& folders) {
     QStringList found;
@@ -118,46 +138,25 @@ QStringList DesktopEntries::defaultFolders() {
 
 std::vector<WindowClassEntry> DesktopEntries::read(const QStringList& folders) {
     std::vector<WindowClassEntry> entries;
-    QSet<QString> seen;
-    for (const QString& path : folders) {
-        const QDir folder(path);
-        QDirIterator files(path, {QStringLiteral("*.desktop")}, QDir::Files,
-                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
-        while (files.hasNext()) {
-            const QString file = files.next();
-            const QString id = desktopIdOf(folder, file);
-            if (seen.contains(id)) continue;
-            seen.insert(id);
-            const EntryKeys keys = keysOf(file);
-            if (keys.hidden || keys.type != QLatin1String("Application") || keys.windowClass.isEmpty())
-                continue;
-            entries.push_back({id, keys.windowClass});
-        }
-    }
+    forEachEntry(folders, [&](const QString& id, const QString& file) {
+        const EntryKeys keys = keysOf(file);
+        if (keys.hidden || keys.type != QLatin1String("Application") || keys.windowClass.isEmpty()) return;
+        entries.push_back({id, keys.windowClass});
+    });
     return entries;
 }
 
 std::vector<InstalledApplication> DesktopEntries::applications(const QStringList& folders) {
     const QByteArrayList nameKeys = localizedNameKeys();
     std::vector<InstalledApplication> found;
-    QSet<QString> seen;
-    for (const QString& path : folders) {
-        const QDir folder(path);
-        QDirIterator files(path, {QStringLiteral("*.desktop")}, QDir::Files,
-                           QDirIterator::Subdirectories | QDirIterator::FollowSymlinks);
-        while (files.hasNext()) {
-            const QString file = files.next();
-            const QString id = desktopIdOf(folder, file);
-            if (seen.contains(id)) continue;
-            seen.insert(id);
-            const EntryKeys keys = keysOf(file, nameKeys);
-            if (keys.hidden || keys.noDisplay || keys.type != QLatin1String("Application")) continue;
-            const QString name = !keys.localizedName.isEmpty() ? keys.localizedName
-                                 : !keys.name.isEmpty()        ? keys.name
-                                                               : id;
-            found.push_back({id, name, keys.icon});
-        }
-    }
+    forEachEntry(folders, [&](const QString& id, const QString& file) {
+        const EntryKeys keys = keysOf(file, nameKeys);
+        if (keys.hidden || keys.noDisplay || keys.type != QLatin1String("Application")) return;
+        const QString name = !keys.localizedName.isEmpty() ? keys.localizedName
+                             : !keys.name.isEmpty()        ? keys.name
+                                                           : id;
+        found.push_back({id, name, keys.icon});
+    });
     return found;
 }
 

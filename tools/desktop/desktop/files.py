@@ -76,3 +76,14 @@ def png_pixels(data):
                   3: lambda p: p + (255,), 4: lambda p: p}[channels]
         rows.append([expand(p) for p in pixels])
     return width, height, rows
+
+
+def tree(folder):
+    """{relative path: bytes or None for folders} of everything under a folder (paths as given,
+    str or bytes)."""
+    found = {}
+    for root, folders, files in os.walk(folder):
+        for name in folders + files:
+            path = os.path.join(root, name)
+            found[os.path.relpath(path, folder)] = None if name in folders else read_bytes(path)
+    return found
