@@ -60,7 +60,7 @@ public:
 
     QString path() const;
     static QByteArray contents(const QString& executable);
-    // The program as an Exec= value: quoted, with the characters the specification reserves
+    // The program as an Exec= value: quoted, with the characters the desktop entry format reserves
     // escaped, whenever it holds anything but plain path characters.
     static QString execArgument(const QString& executable);
 

@@ -115,7 +115,7 @@ TEST(ThumbnailFolderTest, AThumbnailStandsOnlyForTheVersionOfTheFileItWasMadeFor
         }
     }
 
-    // Written the way the specification asks: owner-only files in owner-only folders, nothing left
+    // Written the way the thumbnail cache's rules ask: owner-only files in owner-only folders, nothing left
     // beside them.
     EXPECT_EQ(modeOf(root), 0700);
     EXPECT_EQ(modeOf(root / "large"), 0700);
