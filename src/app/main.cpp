@@ -7,7 +7,9 @@
 #include <cstdio>
 
 #include "app/AppDelegate.h"
+#include "app/CommandClient.h"
 #include "app/DesktopBackends.h"
+#include "app/ShelfCommands.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
 #include "interaction/ThumbnailProvider.h"
@@ -36,6 +38,9 @@ const QString kSummonOption = QStringLiteral("summon");
 }  // namespace
 
 int main(int argc, char** argv) {
+    // `mosswick <command>` talks to the running shelf and needs no display of its own.
+    if (const std::optional<int> status = runCommandLine(argc, argv)) return *status;
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mosswick"));
     QApplication::setApplicationVersion(QStringLiteral(MOSSWICK_VERSION));
@@ -51,10 +56,16 @@ int main(int argc, char** argv) {
     options.process(app);
 
     UnixSignalQuit quitOnSignal;
-    std::function<void(const QStringList&)> onLaunchedAgain;
-    auto instance = SingleInstance::claim(QApplication::arguments(), [&](const QStringList& arguments) {
-        if (onLaunchedAgain) onLaunchedAgain(arguments);
-    });
+    std::unique_ptr<ShelfCommands> commands;
+    SingleInstance::Arguments launchArguments;
+    for (int i = 1; i < argc; ++i) launchArguments.append(QByteArray(argv[i]));
+    auto instance = SingleInstance::claim(
+        launchArguments, [&](const SingleInstance::Arguments& arguments, SingleInstance::Respond respond) {
+            if (!commands) return respond({});
+            commands->run({arguments.begin(), arguments.end()}, [respond](CommandReply reply) {
+                respond({reply.exitCode, std::move(reply.out), std::move(reply.err)});
+            });
+        });
     if (!instance) return 0;  // the running Mosswick took over
 
     JsonDefaultsStore defaults(JsonDefaultsStore::defaultLocation());
@@ -101,7 +112,10 @@ int main(int argc, char** argv) {
                           [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
                           [&appearance](AppearanceMode mode) { appearance.apply(mode); },
                           desktop.sleepWatch()});
-    onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
+    commands = std::make_unique<ShelfCommands>(ShelfCommands::Services{
+        store, controller, ingest,
+        [&clipboardImport] { ClipboardImport::addContentsOfClipboard(clipboardImport); },
+        [&delegate] { delegate.applicationShouldHandleReopen(); }, [] { QCoreApplication::quit(); }});
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 
     delegate.applicationDidFinishLaunching();

@@ -1,10 +1,13 @@
 # The application lifecycle logic.
 set(MOSSWICK_APP_SOURCES
   AppDelegate.h AppDelegate.cpp
+  CommandLine.h CommandLine.cpp
+  ShelfCommands.h ShelfCommands.cpp
 )
 # The wiring: the one place that chooses the desktop's backends and hands them to the logic.
 # Built into the executable only.
 set(MOSSWICK_APP_WIRING_SOURCES
+  CommandClient.h CommandClient.cpp
   DesktopBackends.h DesktopBackends.cpp
   main.cpp
 )
