@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QThread>
+#include <csignal>
 #include <cstdio>
 #include <unistd.h>
 
@@ -63,9 +64,11 @@ std::optional<SingleInstance::Answer> startAndAsk(const SingleInstance::Argument
     shelf.setStandardInputFile(QProcess::nullDevice());
     shelf.setStandardOutputFile(QProcess::nullDevice());
     shelf.setStandardErrorFile(QProcess::nullDevice());
-    if (!shelf.startDetached()) return std::nullopt;
+    qint64 pid = 0;
+    if (!shelf.startDetached(&pid)) return std::nullopt;
     const QDeadlineTimer deadline(kStartTimeoutMs);
-    while (!deadline.hasExpired()) {
+    // A shelf that could not start (no display) is gone at once: no use waiting for it.
+    while (!deadline.hasExpired() && ::kill(pid_t(pid), 0) == 0) {
         if (auto answer = SingleInstance::request(arguments, SingleInstance::socketPath(), kRetryMs))
             return answer;
         QThread::msleep(kRetryMs);

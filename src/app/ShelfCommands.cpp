@@ -55,7 +55,7 @@ QByteArray stagedPathBytes(const ShelfItem& item) {
 }  // namespace
 
 // One `add`: the paths turned into items a slice at a time, then put on the shelf together.
-class ShelfCommands::AddRun {
+class ShelfCommands::AddRun final : public Run {
 public:
     AddRun(ShelfCommands& owner, std::vector<QByteArray> paths, Respond respond)
         : owner_(owner), paths_(std::move(paths)), respond_(std::move(respond)) {
@@ -64,7 +64,7 @@ public:
         staging_.reserve(paths_.size());
     }
 
-    void step() {
+    void step() override {
         const IngestServices& ingest = owner_.services_.ingest;
         const double start = ingest.scheduler.now();
         const size_t end = std::min(paths_.size(), next_ + kPathsPerSlice);
@@ -129,6 +129,47 @@ private:
     ScheduledTask task_;
 };
 
+// One `list`: a snapshot of the shelf written out a slice at a time (ten thousand items take longer
+// than a frame to describe).
+class ShelfCommands::ListRun final : public Run {
+public:
+    ListRun(ShelfCommands& owner, bool json, Respond respond)
+        : owner_(owner), items_(owner.services_.store.items()), json_(json), respond_(std::move(respond)) {
+        if (json_) reply_.out = "[";
+    }
+
+    void step() override {
+        Scheduler& scheduler = owner_.services_.ingest.scheduler;
+        const double start = scheduler.now();
+        while (next_ < items_.size() && scheduler.now() - start < kSliceSeconds) {
+            const ShelfItem& item = items_[next_++];
+            if (json_)
+                reply_.out.append(next_ == 1 ? "\n  " : ",\n  ")
+                    .append(QJsonDocument(itemJson(item)).toJson(QJsonDocument::Compact));
+            else
+                reply_.out.append(itemLine(item));
+        }
+        if (next_ < items_.size()) {
+            task_ = scheduler.after(0, [this] { step(); });
+            return;
+        }
+        if (json_) reply_.out.append(items_.empty() ? "]\n" : "\n]\n");
+        Respond respond = std::move(respond_);
+        CommandReply reply = std::move(reply_);
+        owner_.finished(this);  // deletes this
+        respond(std::move(reply));
+    }
+
+private:
+    ShelfCommands& owner_;
+    const std::vector<ShelfItem> items_;
+    const bool json_;
+    Respond respond_;
+    size_t next_ = 0;
+    CommandReply reply_;
+    ScheduledTask task_;
+};
+
 ShelfCommands::ShelfCommands(Services services) : services_(std::move(services)) {}
 
 ShelfCommands::~ShelfCommands() = default;
@@ -150,7 +191,7 @@ void ShelfCommands::run(const std::vector<QByteArray>& arguments, Respond respon
     CommandReply reply;
     switch (command.verb) {
         case Verb::add:
-            add(command.operands, std::move(respond));
+            start(std::make_unique<AddRun>(*this, command.operands, std::move(respond)));
             return;
         case Verb::paste:
             if (services_.addClipboardContents) services_.addClipboardContents();
@@ -187,12 +228,8 @@ void ShelfCommands::run(const std::vector<QByteArray>& arguments, Respond respon
             break;
         }
         case Verb::list:
-            if (command.json) {
-                reply.out = QJsonDocument(itemsJson(store.items())).toJson(QJsonDocument::Indented);
-            } else {
-                for (const ShelfItem& item : store.items()) reply.out.append(itemLine(item));
-            }
-            break;
+            start(std::make_unique<ListRun>(*this, command.json, std::move(respond)));
+            return;
         case Verb::quit:
             store.flush();  // saved before the caller hears back
             respond({});
@@ -203,35 +240,30 @@ void ShelfCommands::run(const std::vector<QByteArray>& arguments, Respond respon
     respond(std::move(reply));
 }
 
-void ShelfCommands::add(std::vector<QByteArray> paths, Respond respond) {
-    adds_.push_back(std::make_unique<AddRun>(*this, std::move(paths), std::move(respond)));
-    adds_.back()->step();
+void ShelfCommands::start(std::unique_ptr<Run> run) {
+    runs_.push_back(std::move(run));
+    runs_.back()->step();
 }
 
-void ShelfCommands::finished(AddRun* run) {
-    std::erase_if(adds_, [run](const std::unique_ptr<AddRun>& entry) { return entry.get() == run; });
+void ShelfCommands::finished(Run* run) {
+    std::erase_if(runs_, [run](const std::unique_ptr<Run>& entry) { return entry.get() == run; });
 }
 
-QJsonArray ShelfCommands::itemsJson(const std::vector<ShelfItem>& items) {
-    QJsonArray array;
-    for (const ShelfItem& item : items) {
-        QJsonObject object;
-        object.insert(QStringLiteral("id"), uuidString(item.id));
-        object.insert(QStringLiteral("name"), item.displayName);
-        object.insert(QStringLiteral("kind"), QString::fromLatin1(kindOf(item)));
-        object.insert(QStringLiteral("contentType"), item.contentTypeIdentifier);
-        object.insert(QStringLiteral("size"), item.byteSize);
-        insertPath(object, QStringLiteral("stagedPath"), item.stagedURL);
-        insertPath(object, QStringLiteral("originalPath"), item.reachableOriginURL());
-        object.insert(QStringLiteral("webURL"),
-                      item.webURL ? QJsonValue(item.webURL->toString(QUrl::FullyEncoded)) : QJsonValue());
-        object.insert(QStringLiteral("batchID"),
-                      item.batchID ? QJsonValue(uuidString(*item.batchID)) : QJsonValue());
-        object.insert(QStringLiteral("addedAt"),
-                      item.addedAt.toDateTime().toUTC().toString(Qt::ISODateWithMs));
-        array.append(object);
-    }
-    return array;
+QJsonObject ShelfCommands::itemJson(const ShelfItem& item) {
+    QJsonObject object;
+    object.insert(QStringLiteral("id"), uuidString(item.id));
+    object.insert(QStringLiteral("name"), item.displayName);
+    object.insert(QStringLiteral("kind"), QString::fromLatin1(kindOf(item)));
+    object.insert(QStringLiteral("contentType"), item.contentTypeIdentifier);
+    object.insert(QStringLiteral("size"), item.byteSize);
+    insertPath(object, QStringLiteral("stagedPath"), item.stagedURL);
+    insertPath(object, QStringLiteral("originalPath"), item.reachableOriginURL());
+    object.insert(QStringLiteral("webURL"),
+                  item.webURL ? QJsonValue(item.webURL->toString(QUrl::FullyEncoded)) : QJsonValue());
+    object.insert(QStringLiteral("batchID"),
+                  item.batchID ? QJsonValue(uuidString(*item.batchID)) : QJsonValue());
+    object.insert(QStringLiteral("addedAt"), item.addedAt.toDateTime().toUTC().toString(Qt::ISODateWithMs));
+    return object;
 }
 
 QByteArray ShelfCommands::itemLine(const ShelfItem& item) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QJsonArray>
+#include <QJsonObject>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -51,19 +51,26 @@ public:
     // once, now or on a later turn of the main loop. No arguments: a plain second launch.
     void run(const std::vector<QByteArray>& arguments, Respond respond);
 
-    // The items as `list --json` prints them.
-    static QJsonArray itemsJson(const std::vector<ShelfItem>& items);
+    // One item as `list --json` prints it (an element of its array).
+    static QJsonObject itemJson(const ShelfItem& item);
     // One tab-separated line as `list` prints it.
     static QByteArray itemLine(const ShelfItem& item);
 
 private:
+    // A command worked through a slice per turn of the main loop.
+    class Run {
+    public:
+        virtual ~Run() = default;
+        virtual void step() = 0;
+    };
     class AddRun;
+    class ListRun;
 
-    void add(std::vector<QByteArray> paths, Respond respond);
-    void finished(AddRun* run);
+    void start(std::unique_ptr<Run> run);
+    void finished(Run* run);
 
     Services services_;
-    std::vector<std::unique_ptr<AddRun>> adds_;
+    std::vector<std::unique_ptr<Run>> runs_;
 };
 
 }  // namespace mosswick
