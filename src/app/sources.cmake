@@ -3,6 +3,10 @@ set(MOSSWICK_APP_SOURCES
   AppDelegate.h AppDelegate.cpp
   CommandLine.h CommandLine.cpp
   ShelfCommands.h ShelfCommands.cpp
+  UpdateFeed.h UpdateFeed.cpp
+  UpdateSignature.h UpdateSignature.cpp
+  UpdateVersion.h UpdateVersion.cpp
+  Updater.h Updater.cpp
 )
 # The wiring: the one place that chooses the desktop's backends and hands them to the logic.
 # Built into the executable only.
