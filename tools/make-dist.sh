@@ -18,6 +18,9 @@ here=$(cd "$(dirname "$0")" && pwd)
 prefix=${PREFIX:-$HOME/.local}
 mkdir -p "$prefix"
 cp -R "$here/bin" "$here/share" "$prefix/"
+# Marks a copy that updates itself (a build with an update feed and key does).
+mkdir -p "$prefix/share/mosswick"
+echo "$prefix" >"$prefix/share/mosswick/installed-from-archive"
 # The desktop entry names the binary by its full path: ~/.local/bin is not always on the PATH of
 # the session that reads it.
 sed -i "s|^Exec=mosswick|Exec=$prefix/bin/mosswick|" "$prefix/share/applications/mosswick.desktop"

@@ -9,6 +9,7 @@
 #include "app/AppDelegate.h"
 #include "app/CommandClient.h"
 #include "app/DesktopBackends.h"
+#include "app/SelfUpdate.h"
 #include "app/ShelfCommands.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
@@ -119,6 +120,8 @@ int main(int argc, char** argv) {
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 
     delegate.applicationDidFinishLaunching();
+    // Only a self-installed copy updates itself (Updater::current() stays empty otherwise).
+    const std::unique_ptr<SelfUpdate> selfUpdate = SelfUpdate::forThisCopy(scheduler, preferences);
     if (options.isSet(kSummonOption)) controller.summon();
     // A shortcut the desktop refused is not offered; the refusal was logged just before.
     if (hotKeys.isRegistered() && hotKeys.combo())

@@ -12,6 +12,7 @@ set(MOSSWICK_APP_SOURCES
 # Built into the executable only.
 set(MOSSWICK_APP_WIRING_SOURCES
   CommandClient.h CommandClient.cpp
+  SelfUpdate.h SelfUpdate.cpp
   DesktopBackends.h DesktopBackends.cpp
   main.cpp
 )
