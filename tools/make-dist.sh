@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # make-dist.sh BUILD OUT VERSION: OUT/mosswick-VERSION-ARCH.tar.gz, a copy of Mosswick that installs
 # into the user's home without root. It holds what `make install` installs (the binary stripped)
-# and install.sh; on Debian 12 it needs nothing beyond Qt 6 and the X libraries Qt's xcb plugin
-# already pulls in.
+# the libraries beyond Debian 12's Qt 6 (libsodium, in lib/) and install.sh.
 set -euo pipefail
 build=$1 out=$2 version=$3
 arch=$(uname -m)
@@ -10,6 +9,11 @@ name=mosswick-$version-$arch
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 DESTDIR= cmake --install "$build" --prefix "$stage/$name" --strip >/dev/null
+# Beyond Qt and the X libraries its xcb plugin needs: libsodium, found through the binary's RUNPATH.
+mkdir -p "$stage/$name/lib"
+for library in $(ldd "$stage/$name/bin/mosswick" | awk '/libsodium/ {print $3}'); do
+  cp -L "$library" "$stage/$name/lib/"
+done
 cat >"$stage/$name/install.sh" <<'SCRIPT'
 #!/bin/sh
 # Installs this copy of Mosswick for the current user: into $PREFIX (default ~/.local).
@@ -17,7 +21,7 @@ set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 prefix=${PREFIX:-$HOME/.local}
 mkdir -p "$prefix"
-cp -R "$here/bin" "$here/share" "$prefix/"
+cp -R "$here/bin" "$here/lib" "$here/share" "$prefix/"
 # Marks a copy that updates itself (a build with an update feed and key does).
 mkdir -p "$prefix/share/mosswick"
 echo "$prefix" >"$prefix/share/mosswick/installed-from-archive"

@@ -28,7 +28,7 @@ expected=(
 )
 
 echo "== the package: $(du -h "$deb" | cut -f1) ($(stat -c %s "$deb") bytes)"
-lintian_out=$(lintian --no-tag-display-limit "$deb" 2>&1 || true)
+lintian_out=$(lintian --tag-display-limit 0 "$deb" 2>&1 || true)
 echo "${lintian_out:-(lintian: nothing to report)}"
 if grep -q '^E:' <<<"$lintian_out"; then fail "lintian reports errors"; else pass "lintian: no errors"; fi
 
@@ -43,7 +43,7 @@ appstreamcli validate --no-net "$root/usr/share/metainfo/org.mosswick.Mosswick.m
 [ "$("$root/usr/bin/mosswick" --version)" = "mosswick $version" ] && pass "--version runs" || fail "--version"
 "$root/usr/bin/mosswick" --help | grep -q "Exit status" && pass "--help runs" || fail "--help"
 depends=$(dpkg-deb -f "$deb" Depends)
-for library in libqt6core6 libqt6gui6 libqt6widgets6 libqt6dbus6 libxkbcommon-x11-0; do
+for library in libqt6core6 libqt6gui6 libqt6widgets6 libqt6dbus6 libqt6network6 libsodium23 libxkbcommon-x11-0; do
   grep -q "$library" <<<"$depends" || fail "Depends lacks $library: $depends"
 done
 zcat "$root/usr/share/man/man1/mosswick.1.gz" | grep -q "EXIT STATUS" && pass "manual page with exit codes" || fail "man"
@@ -61,6 +61,9 @@ tar -C "$scratch" -xzf "$out/mosswick-$version-$(uname -m).tar.gz"
 HOME=$scratch/home "$scratch/mosswick-$version-$(uname -m)/install.sh" >/dev/null
 home_binary=$scratch/home/.local/bin/mosswick
 [ "$("$home_binary" --version)" = "mosswick $version" ] && pass "home copy runs" || fail "home copy"
+[ -e "$scratch/home/.local/lib/libsodium.so.23" ] && readelf -d "$home_binary" | grep -q 'RUNPATH.*\$ORIGIN/../lib' \
+  && pass "home copy carries libsodium" || fail "home copy lacks libsodium or its RUNPATH"
+readelf -d "$root/usr/bin/mosswick" | grep -q RUNPATH && fail "the package's binary has a RUNPATH"
 grep -q "^Exec=$home_binary --summon" "$scratch/home/.local/share/applications/mosswick.desktop" \
   && pass "home desktop entry names the copy" || fail "home desktop entry"
 
