@@ -8,6 +8,12 @@ CMAKE_GEN  := -G Ninja
 
 SOURCES = $(shell git ls-files -- 'src/*.cpp' 'src/*.h' 'tests/*.cpp' 'tests/*.h' 'tools/*.cpp' 'tools/*.h' 'bench/*.cpp' 'fuzz/*.cpp' 2>/dev/null)
 
+PREFIX     ?= /usr/local
+DESTDIR    ?=
+PACKAGES   ?= build-packages
+VERSION    := $(shell awk '/^project/ {print $$3; exit}' CMakeLists.txt)
+
+.PHONY: install deb dist package-test
 .PHONY: all deps configure build run test unit-test sanitize-test fuzz fuzz-build bench format format-check clean
 
 all: build
@@ -60,3 +66,25 @@ format-check: deps
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
+
+# The binary, desktop entry, icons, metainfo, manual page and completions under $(PREFIX), staged
+# under $(DESTDIR) when given.
+install: build
+	@DESTDIR=$(DESTDIR) cmake --install $(BUILD) --prefix $(PREFIX)
+
+# A Debian package built by Debian's tools with Debian's flags, from the tracked files, in
+# $(PACKAGES)/ (dpkg-buildpackage writes next to the source folder).
+deb: deps
+	@rm -rf $(PACKAGES)/deb && mkdir -p $(PACKAGES)/deb/mosswick-$(VERSION)
+	@git ls-files -z | xargs -0 tar -c | tar -x -C $(PACKAGES)/deb/mosswick-$(VERSION)
+	@cd $(PACKAGES)/deb/mosswick-$(VERSION) && dpkg-buildpackage -us -uc -b
+	@ls -l $(PACKAGES)/deb/*.deb
+
+# A self-contained archive that installs into the home folder without root (install.sh inside).
+dist: build
+	@bash tools/make-dist.sh $(BUILD) $(PACKAGES) $(VERSION)
+
+# Builds the package and the archive, and checks what they install (not part of `make test`: the
+# package is built from scratch with Debian's flags, which takes longer than the rest of CI's budget allows).
+package-test: deb dist
+	@bash tools/package-test.sh $(PACKAGES) $(VERSION)

@@ -30,6 +30,9 @@ packages=(
   # thumbnailers the preview tests run for real: PDF (evince-thumbnailer), video, and GNOME's
   # thumbnail factory through Python GObject, to check the cache is shared both ways
   evince ffmpegthumbnailer gir1.2-gnomedesktop-3.0 python3-gi
+  # packages (make deb, make package-test): Debian's build tools and checkers, and the validators
+  # of the desktop entry and the AppStream metainfo
+  dpkg-dev debhelper lintian desktop-file-utils appstream
 )
 
 missing=()

@@ -13,9 +13,13 @@
 #include <cstdio>
 
 #include "app/AppDelegate.h"
+#include "app/CommandClient.h"
 #include "app/DesktopBackends.h"
 #include "app/MenuBarIcon.h"
 #include "app/StatusBarController.h"
+#include "app/SelfUpdate.h"
+#include "app/ShelfCommands.h"
+#include "app/Updater.h"
 #include "ingest/ClipboardImport.h"
 #include "interaction/ApplicationAppearance.h"
 #include "interaction/ThumbnailProvider.h"
@@ -50,6 +54,9 @@ Q_LOGGING_CATEGORY(lcSettings, "mosswick.settings")
 }  // namespace
 
 int main(int argc, char** argv) {
+    // `mosswick <command>` talks to the running shelf and needs no display of its own.
+    if (const std::optional<int> status = runCommandLine(argc, argv)) return *status;
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mosswick"));
     QApplication::setApplicationVersion(QStringLiteral(MOSSWICK_VERSION));
@@ -71,10 +78,16 @@ int main(int argc, char** argv) {
     options.process(app);
 
     UnixSignalQuit quitOnSignal;
-    std::function<void(const QStringList&)> onLaunchedAgain;
-    auto instance = SingleInstance::claim(QApplication::arguments(), [&](const QStringList& arguments) {
-        if (onLaunchedAgain) onLaunchedAgain(arguments);
-    });
+    std::unique_ptr<ShelfCommands> commands;
+    SingleInstance::Arguments launchArguments;
+    for (int i = 1; i < argc; ++i) launchArguments.append(QByteArray(argv[i]));
+    auto instance = SingleInstance::claim(
+        launchArguments, [&](const SingleInstance::Arguments& arguments, SingleInstance::Respond respond) {
+            if (!commands) return respond({});
+            commands->run({arguments.begin(), arguments.end()}, [respond](CommandReply reply) {
+                respond({reply.exitCode, std::move(reply.out), std::move(reply.err)});
+            });
+        });
     if (!instance) return 0;  // the running Mosswick took over
 
     JsonDefaultsStore defaults(JsonDefaultsStore::defaultLocation());
@@ -127,6 +140,14 @@ int main(int argc, char** argv) {
         ClipboardImport::addContentsOfClipboard(clipboardImport);
     };
 
+    // Only a self-installed copy has an updater, and only once launched: asked each time.
+    const auto checkForUpdates = [] {
+        if (Updater* updater = Updater::current())
+            updater->checkForUpdates([](const UpdateResult& result) {
+                QMessageBox::information(nullptr, QStringLiteral("Mosswick"), result.message);
+            });
+    };
+
     const std::unique_ptr<LoginItem> loginItem = DesktopBackends::makeLoginItem(defaults);
     // One settings window for the run, made when first asked for.
     std::unique_ptr<SettingsWindow> settingsWindow;
@@ -141,8 +162,8 @@ int main(int argc, char** argv) {
                 *loginItem,
                 desktop.applicationCatalog(),
                 [&controller] { controller.rebuildPanel(); },
-                {},
-                {},
+                Updater::current() ? std::function<void()>(checkForUpdates) : std::function<void()>(),
+                Updater::current() ? Updater::current()->serverName() : QString(),
                 desktop.portalOwnsShortcut()
                     ? QStringLiteral(
                           "Your desktop keeps this shortcut: it asks you to confirm a new one in its "
@@ -168,11 +189,12 @@ int main(int argc, char** argv) {
                                                     "it's going.</p>")
                                          .arg(QApplication::applicationVersion()));
                              },
-                             {},
+                             checkForUpdates,
                              [] { QApplication::quit(); }});
     shelfMenus.setActions(&menuActions);
+    shelfMenus.setHasUpdater([] { return Updater::current() != nullptr; });
     StatusBarController statusBar({[&] {
-                                       return ShelfMenus::mainMenu({preferences, store, false});
+                                       return ShelfMenus::mainMenu({preferences, store, Updater::current() != nullptr});
                                    },
                                    [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
 
@@ -181,6 +203,10 @@ int main(int argc, char** argv) {
          [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
          [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
+    commands = std::make_unique<ShelfCommands>(ShelfCommands::Services{
+        store, controller, ingest,
+        addClipboardContents,
+        [&delegate] { delegate.applicationShouldHandleReopen(); }, [] { QCoreApplication::quit(); }});
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 #if QT_CONFIG(sessionmanager)
     // A session manager ending the session may not let us reach aboutToQuit: save the shelf now.
@@ -189,6 +215,8 @@ int main(int argc, char** argv) {
 #endif
 
     delegate.applicationDidFinishLaunching();
+    // Only a self-installed copy updates itself (Updater::current() stays empty otherwise).
+    const std::unique_ptr<SelfUpdate> selfUpdate = SelfUpdate::forThisCopy(scheduler, preferences);
     if (options.isSet(kSummonOption)) controller.summon();
     // A shortcut the desktop refused is not offered; the refusal was logged just before.
     if (hotKeys.isRegistered() && hotKeys.combo())

@@ -2,6 +2,12 @@
 set(MOSSWICK_APP_SOURCES
   AppDelegate.h AppDelegate.cpp
   MenuBarIcon.h MenuBarIcon.cpp
+  CommandLine.h CommandLine.cpp
+  ShelfCommands.h ShelfCommands.cpp
+  UpdateFeed.h UpdateFeed.cpp
+  UpdateSignature.h UpdateSignature.cpp
+  UpdateVersion.h UpdateVersion.cpp
+  Updater.h Updater.cpp
 )
 # The tray icon.
 set(MOSSWICK_APP_VIEW_SOURCES
@@ -10,6 +16,8 @@ set(MOSSWICK_APP_VIEW_SOURCES
 # The wiring: the one place that chooses the desktop's backends and hands them to the logic.
 # Built into the executable only.
 set(MOSSWICK_APP_WIRING_SOURCES
+  CommandClient.h CommandClient.cpp
+  SelfUpdate.h SelfUpdate.cpp
   DesktopBackends.h DesktopBackends.cpp
   main.cpp
 )

@@ -25,7 +25,6 @@ std::vector<ShelfItem> fileItems(const Pasteboard& pasteboard, bool acceptsFileP
     // Counted before any object is turned into an item.
     std::optional<QUuid> batchID;
     if (objects.size() >= 2) batchID = QUuid::createUuid();
-    const bool resolveAliases = services.preferences.resolveAliasFiles();
 
     TypeByName types;
     std::vector<ShelfItem> items;
@@ -39,12 +38,8 @@ std::vector<ShelfItem> fileItems(const Pasteboard& pasteboard, bool acceptsFileP
             continue;
         }
         const QUrl& url = std::get<QUrl>(object);
-        std::optional<std::filesystem::path> file = LocalPath::fromUrl(url);
-        if (!file) continue;
-        if (resolveAliases) file = AliasFiles::resolve(*file);
-        ShelfItem item = FileItems::makeItem(*file, url, batchID, types, services);
-        staging.push_back({item, *file});
-        items.push_back(std::move(item));
+        if (const std::optional<std::filesystem::path> file = LocalPath::fromUrl(url))
+            items.push_back(fileItem(*file, url, batchID, types, staging, services));
     }
     FileItems::stageLater(std::move(staging), services);
     return items;
@@ -69,6 +64,16 @@ std::optional<ShelfItem> makeItem(const QUrl& fileURL, std::optional<QUuid> batc
     TypeByName types;
     ShelfItem item = FileItems::makeItem(*file, fileURL, batchID, types, services);
     FileItems::stageLater({{item, *file}}, services);
+    return item;
+}
+
+ShelfItem fileItem(const std::filesystem::path& file, const std::optional<QUrl>& droppedURL,
+                   std::optional<QUuid> batchID, TypeByName& types, std::vector<FileItems::Staging>& staging,
+                   const IngestServices& services) {
+    const std::filesystem::path resolved =
+        services.preferences.resolveAliasFiles() ? AliasFiles::resolve(file) : file;
+    ShelfItem item = FileItems::makeItem(resolved, droppedURL, batchID, types, services);
+    staging.push_back({item, resolved});
     return item;
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QUrl>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <vector>
 
+#include "ingest/FileItems.h"
 #include "ingest/IngestServices.h"
+#include "ingest/TypeByName.h"
 #include "model/ShelfItem.h"
 
 namespace mosswick {
@@ -35,6 +38,13 @@ std::vector<ShelfItem> items(const Pasteboard& pasteboard, bool acceptsFilePromi
 // staged as for a drop.
 std::optional<ShelfItem> makeItem(const QUrl& fileURL, std::optional<QUuid> batchID,
                                   const IngestServices& services = IngestServices::shared());
+
+// The item for one dropped file or folder (an alias file resolved when the preferences ask), and
+// its staging, to be handed to FileItems::stageLater once the item is on the shelf. For callers
+// that gather one batch over several turns of the main loop.
+ShelfItem fileItem(const std::filesystem::path& file, const std::optional<QUrl>& droppedURL,
+                   std::optional<QUuid> batchID, TypeByName& types, std::vector<FileItems::Staging>& staging,
+                   const IngestServices& services = IngestServices::shared());
 
 }  // namespace DropIngest
 }  // namespace mosswick

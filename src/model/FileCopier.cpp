@@ -131,7 +131,9 @@ public:
         const bool top = into_.empty();
         const int folder = top ? AT_FDCWD : into_.fd();
         const char* path = top ? destination_.c_str() : name;
-        ::fchmodat(folder, path, info.st_mode & 07777, 0);
+        // The folder's mode is best effort: its contents are copied already.
+        if (::fchmodat(folder, path, info.st_mode & 07777, 0) != 0) {
+        }
         keepTimes(folder, path, info);
         return true;
     }
