@@ -156,11 +156,7 @@ int main(int argc, char** argv) {
         opening.start();
         if (!settingsWindow)
             settingsWindow = std::make_unique<SettingsWindow>(SettingsWindow::Services{
-                preferences,
-                defaults,
-                hotKeys,
-                *loginItem,
-                desktop.applicationCatalog(),
+                preferences, defaults, hotKeys, *loginItem, desktop.applicationCatalog(),
                 [&controller] { controller.rebuildPanel(); },
                 Updater::current() ? std::function<void()>(checkForUpdates) : std::function<void()>(),
                 Updater::current() ? Updater::current()->serverName() : QString(),
@@ -174,13 +170,8 @@ int main(int argc, char** argv) {
     };
 
     QtFileClipboard fileClipboard;
-    MenuActions menuActions({preferences,
-                             store,
-                             controller,
-                             desktop.workspace(),
-                             fileClipboard,
-                             addClipboardContents,
-                             showSettings,
+    MenuActions menuActions({preferences, store, controller, desktop.workspace(), fileClipboard,
+                             addClipboardContents, showSettings,
                              [] {
                                  QMessageBox::about(
                                      nullptr, QStringLiteral("About Mosswick"),
@@ -189,23 +180,21 @@ int main(int argc, char** argv) {
                                                     "it's going.</p>")
                                          .arg(QApplication::applicationVersion()));
                              },
-                             checkForUpdates,
-                             [] { QApplication::quit(); }});
+                             checkForUpdates, [] { QApplication::quit(); }});
     shelfMenus.setActions(&menuActions);
     shelfMenus.setHasUpdater([] { return Updater::current() != nullptr; });
-    StatusBarController statusBar({[&] {
-                                       return ShelfMenus::mainMenu({preferences, store, Updater::current() != nullptr});
-                                   },
-                                   [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
+    StatusBarController statusBar(
+        {[&] {
+             return ShelfMenus::mainMenu({preferences, store, Updater::current() != nullptr});
+         },
+         [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
 
     AppDelegate delegate(
         {preferences, store, controller, dragMonitor, hotKeys, defaults, addClipboardContents,
          [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
          [&statusBar](bool visible) { statusBar.setVisible(visible); }});
-    onLaunchedAgain = [&](const QStringList&) { delegate.applicationShouldHandleReopen(); };
     commands = std::make_unique<ShelfCommands>(ShelfCommands::Services{
-        store, controller, ingest,
-        addClipboardContents,
+        store, controller, ingest, addClipboardContents,
         [&delegate] { delegate.applicationShouldHandleReopen(); }, [] { QCoreApplication::quit(); }});
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 #if QT_CONFIG(sessionmanager)
