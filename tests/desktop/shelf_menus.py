@@ -2,7 +2,7 @@
 puts the files on the clipboard in the three forms other programs paste (read back byte for byte
 by the test peer), "Show in Folder" asks the file manager's bus name for the whole stack at once
 (a stand-in file manager records the call), and the shelf's own menu clears the shelf and brings
-it back."""
+it back, and opens the settings window."""
 
 import base64
 import json
@@ -75,6 +75,24 @@ def the_shelfs_menu_clears_the_shelf_and_brings_it_back(d):
     names = shelf.saved_names(lambda items: len(items) == 2)
     assert names == ["a.txt", "b.txt"], names
     print("ok: the shelf's menu clears the shelf, and brings the items back")
+
+
+@cases.case
+def settings_opens_from_the_shelfs_menu(d):
+    shelf = ShelfWithFiles(d, ["a.txt"])
+    x, y, width, height = d.window_geometry(shelf.shelf.window())
+    # Bring Back is disabled: Add Clipboard Contents, Window Position, Window Size, Clear the
+    # Shelf, Hide Mosswick, Settings….
+    choose(d, shelf, (x + width // 2, y + height - 12), 6)
+
+    def settings_window():
+        for window in d.windows(shelf.shelf.app):
+            if (d.window_property(window, "_NET_WM_NAME") or "").endswith('"Mosswick Settings"'):
+                return window
+        return None
+    d.wait_for(settings_window, 5, "the settings window")
+    d.screenshot("settings-from-the-shelf")
+    print("ok: Settings… on the shelf's menu opens the settings window")
 
 
 cases.run()
