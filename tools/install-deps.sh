@@ -30,6 +30,10 @@ packages=(
   # thumbnailers the preview tests run for real: PDF (evince-thumbnailer), video, and GNOME's
   # thumbnail factory through Python GObject, to check the cache is shared both ways
   evince ffmpegthumbnailer gir1.2-gnomedesktop-3.0 python3-gi
+  # the accessibility bus, and the client that reads the shelf through it as a screen reader would
+  at-spi2-core python3-pyatspi
+  # the keyboard test opens a file through xdg-open's rules with a stand-in default application
+  xdg-utils file
 )
 
 missing=()
