@@ -6,6 +6,7 @@ application (a stand-in that records what it was asked to open)."""
 import base64
 import os
 import stat
+import time
 
 from desktop import Cases, skip_unless_available
 from desktop.programs import peer_binary
@@ -43,6 +44,25 @@ def install_opener(d, report):
                 f"Exec={script} %f\nMimeType=text/plain;\n")
     with open(os.path.join(d.env["XDG_CONFIG_HOME"], "mimeapps.list"), "w", encoding="utf-8") as f:
         f.write("[Default Applications]\ntext/plain=mosswick-test-opener.desktop\n")
+
+
+@cases.case
+def the_shortcut_brings_the_shelf_up_with_the_focus(d):
+    # First of the cases: a focused program that quit (an earlier case's Mosswick) leaves X's focus
+    # on None, where no shortcut is delivered to anybody.
+    shelf = ShelfWithFiles(d, ["x.txt", "y.txt"])
+    # Summoned at start-up it took no focus: keys go elsewhere.
+    d.key("Down", "Delete")
+    shelf.kept()
+    # The shortcut (F5) puts it away, then calls it up with the focus.
+    d.key("F5")
+    shelf.shelf.wait_hidden()
+    time.sleep(0.5)  # past the double press's window
+    d.key("F5")
+    d.wait_for(lambda: d.active_window() == shelf.shelf.window(), 5, "the summoned shelf to take the focus")
+    d.key("Down", "Delete")
+    assert shelf.saved_names(lambda items: len(items) == 1) == ["y.txt"]
+    print("ok: the shortcut brings the shelf up ready for the keyboard")
 
 
 @cases.case
