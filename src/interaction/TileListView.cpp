@@ -140,12 +140,19 @@ void TileListView::setKeyboardFocus(std::optional<QUuid> key) {
         return;
     }
     keyboardFocus_ = key;
-    // Where the tile is going, not where a running change has it now.
-    for (size_t row = 0; row < placements_.size(); ++row) {
-        if (placements_[row].view != focused) continue;
-        const QRect target = placements_[row].to.toRect();
-        ensureVisible(target.center().x(), target.center().y(), 0, target.height() / 2);
-        break;
+    // Where the tile is going, not where a running change has it now; the first and last tiles
+    // take the list's padding with them.
+    const std::vector<ShelfItemView*> views = tileViews();
+    const auto found = std::find(views.begin(), views.end(), focused);
+    if (found == views.end()) return;
+    if (found == views.begin()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->minimum());
+    } else if (found + 1 == views.end()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+    } else {
+        const QRect target = placements_[static_cast<size_t>(found - views.begin())].to.toRect();
+        ensureVisible(target.center().x(), target.center().y(), 0,
+                      static_cast<int>(ShelfLayout::kSlotHeight / 2));
     }
 }
 

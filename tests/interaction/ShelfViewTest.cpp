@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -140,6 +141,23 @@ TEST_F(ShelfViewTest, KeysMoveTheSelectionAndAskForTheTileMenusCommands) {
     store->remove({store->items().front().id}, true);
     QTest::keyClick(view.get(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(itemNames().front(), "a.pdf");
+}
+
+TEST_F(ShelfViewTest, TheTileTheKeyboardReachesIsScrolledIntoView) {
+    for (int i = 0; i < 12; ++i) store->add({item(QString::number(i) + ".pdf")});
+    auto view = makeView(3);
+    QApplication::setActiveWindow(view.get());
+    view->setFocus();
+    const QScrollBar& bar = *view->tileList().verticalScrollBar();
+    ASSERT_GT(bar.maximum(), 0);
+    QTest::keyClick(view.get(), Qt::Key_Up);  // lands on the bottom tile
+    EXPECT_EQ(bar.value(), bar.maximum());
+    for (int i = 0; i < 11; ++i) QTest::keyClick(view.get(), Qt::Key_Up);
+    EXPECT_EQ(bar.value(), 0);
+    EXPECT_EQ(view->tileList().tileViews().front()->hasKeyboardFocus(), true);
+    // The ring is the focused shelf's only.
+    view->clearFocus();
+    EXPECT_FALSE(view->tileList().tileViews().front()->hasKeyboardFocus());
 }
 
 TEST_F(ShelfViewTest, AStackAndASingleItemMakeTwoTilesNewestFirst) {
