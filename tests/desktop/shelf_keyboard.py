@@ -1,7 +1,8 @@
-"""The shelf from the keyboard alone, once a click on its empty strip gave it the focus: arrows
-select (Shift extends), Delete removes and Ctrl+Z brings back, Ctrl+A and Ctrl+C put every file on
-the clipboard (read back by the test peer), and Enter opens the file with the desktop's default
-application (a stand-in that records what it was asked to open)."""
+"""The shelf from the keyboard alone, once the shortcut or a click on its empty strip gave it the
+focus: arrows select (Shift extends), Delete removes and Ctrl+Z brings back, Ctrl+A and Ctrl+C put
+every file on the clipboard (read back by the test peer), Shift+F10 opens the tile menu, and Enter
+opens the file with the desktop's default application (a stand-in that records what it was asked
+to open)."""
 
 import base64
 import os
@@ -90,6 +91,19 @@ def ctrl_a_and_ctrl_c_copy_every_file(d):
     assert got["text/uri-list"] == b"".join(uri(p) + b"\r\n" for p in shelf.paths), got
     assert got["text/plain"] == b"\n".join(shelf.paths), got
     print("ok: Ctrl+A then Ctrl+C put both files on the clipboard")
+
+
+@cases.case
+def shift_f10_opens_the_tile_menu_of_the_selection(d):
+    shelf = ShelfWithFiles(d, ["menu one.txt", "menu two.txt"])
+    focus(d, shelf)
+    before = set(d.windows(shelf.shelf.app))
+    d.key("Down", "Down", "shift+F10")
+    d.wait_for(lambda: set(d.windows(shelf.shelf.app)) - before, 5, "the tile menu")
+    d.key("Down", "Down", "Down", "Return")  # Open, Show in Folder, Copy
+    got = d.wait_for(lambda: clipboard(d, "clipboard.json") or None, 5, "the clipboard to hold the copy")
+    assert got["text/plain"] == shelf.paths[1], got
+    print("ok: Shift+F10 opens the tile menu for the selected tile, whose Copy copies it")
 
 
 @cases.case
