@@ -33,6 +33,10 @@ packages=(
   # packages (make deb, make package-test): Debian's build tools and checkers, and the validators
   # of the desktop entry and the AppStream metainfo
   dpkg-dev debhelper lintian desktop-file-utils appstream
+  # the accessibility bus, and the client that reads the shelf through it as a screen reader would
+  at-spi2-core python3-pyatspi
+  # the keyboard test opens a file through xdg-open's rules with a stand-in default application
+  xdg-utils file
 )
 
 missing=()

@@ -38,10 +38,15 @@ void AppDelegate::applicationDidFinishLaunching() {
     monitor.start();
 
     HotKeyManager& hotKeys = services_.hotKeys;
-    hotKeys.onToggle = [&controller] { controller.toggle(); };
+    // A keyboard user who calls the shelf up goes on with the keyboard there.
+    hotKeys.onToggle = [&controller] {
+        controller.toggle();
+        controller.focusShelf();
+    };
     hotKeys.onLongPress = [this, &controller] {
         services_.store.restoreLastRemoved();
         controller.summon();
+        controller.focusShelf();
     };
     hotKeys.onDoublePress = [this] {
         if (services_.addClipboardContents) services_.addClipboardContents();

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 
+#include "interaction/ShelfAccessibility.h"
 #include "interaction/ShelfColors.h"
 #include "interaction/ShelfFonts.h"
 #include "interaction/ShelfSymbols.h"
@@ -16,6 +17,7 @@ constexpr double kSpacing = 6;
 }  // namespace
 
 EmptyStateView::EmptyStateView(QWidget* parent) : QWidget(parent) {
+    ShelfAccessibility::install();
     setAccessibleName(QString::fromUtf8(kHeadline));
 }
 

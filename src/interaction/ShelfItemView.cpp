@@ -1,5 +1,6 @@
 #include "interaction/ShelfItemView.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -8,6 +9,7 @@
 #include "interaction/DragOutSession.h"
 #include "interaction/DragSource.h"
 #include "interaction/ItemPicture.h"
+#include "interaction/ShelfAccessibility.h"
 #include "interaction/ShelfColors.h"
 #include "interaction/ShelfFonts.h"
 #include "interaction/ShelfLayout.h"
@@ -51,9 +53,12 @@ QStringList wrapped(const QString& text, const QFont& font, double width, int ma
     return lines;
 }
 
+constexpr double kFocusRingWidth = 2;
+
 }  // namespace
 
 ShelfItemView::ShelfItemView(ReducedMotion motion, QWidget* parent) : QWidget(parent), motion_(motion) {
+    ShelfAccessibility::install();
     closeFade_.setDuration(kCloseFadeMilliseconds);
     closeFade_.setEasingCurve(QEasingCurve::OutCubic);
     connect(&closeFade_, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
@@ -73,7 +78,8 @@ void ShelfItemView::setTile(const ShelfTile& tile, const TileDescription& descri
     tile_ = tile;
     description_ = description;
     setToolTip(description.toolTip);
-    setAccessibleName(description.title);
+    setAccessibleName(description.spoken);
+    setAccessibleDescription(description.toolTip);
     ItemPicture::request(tile);
     update();
 }
@@ -103,6 +109,16 @@ void ShelfItemView::setPresence(double presence) {
     if (presence == presence_) return;
     presence_ = presence;
     update();
+}
+
+void ShelfItemView::setKeyboardFocus(bool focused) {
+    if (focused == hasKeyboardFocus_) return;
+    hasKeyboardFocus_ = focused;
+    update();
+    if (focused && QAccessible::isActive()) {
+        QAccessibleEvent event(this, QAccessible::Focus);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 QRectF ShelfItemView::closeButtonRect() const { return ShelfLayout::closeButtonRect(rect()); }
@@ -176,6 +192,12 @@ void ShelfItemView::paintBackground(QPainter& painter, const QRectF& tile, const
         painter.setPen(QPen(colors.tileSelectedEdge, 1.5));
         painter.setBrush(Qt::NoBrush);
         painter.drawRoundedRect(face, radius - 0.75, radius - 0.75);
+    }
+    if (hasKeyboardFocus_) {
+        const double inset = kFocusRingWidth / 2;
+        painter.setPen(QPen(colors.accent, kFocusRingWidth));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(tile.adjusted(inset, inset, -inset, -inset), radius, radius);
     }
 }
 

@@ -31,6 +31,11 @@ public:
     void setSelected(bool selected);
     bool isSelected() const { return isSelected_; }
 
+    // The keyboard stands on this tile while the shelf has the focus: a ring around it, and a
+    // screen reader is told.
+    void setKeyboardFocus(bool focused);
+    bool hasKeyboardFocus() const { return hasKeyboardFocus_; }
+
     // Follows the pointer, or whatever layer handles the tile's mouse events.
     void setHovered(bool hovered);
     bool isHovered() const { return isHovered_; }
@@ -70,6 +75,7 @@ private:
     ShelfTile tile_;
     TileDescription description_;
     bool isSelected_ = false;
+    bool hasKeyboardFocus_ = false;
     bool isHovered_ = false;
     double presence_ = 1;
     double closeOpacity_ = 0;

@@ -19,6 +19,10 @@ void ShelfMenuPresenter::popUpShelfMenu(QPoint globalPosition) {
     show(ShelfMenus::panelMenuContent({preferences_, store_, hasUpdater_ && hasUpdater_()}), globalPosition);
 }
 
+void ShelfMenuPresenter::perform(MenuCommand command, const QString& argument) {
+    if (actions_) actions_->perform(command, argument);
+}
+
 void ShelfMenuPresenter::show(const MenuContent& content, QPoint globalPosition) {
     // Deleted once closed: a menu is built for one opening only.
     auto* menu = new QMenu;

@@ -26,6 +26,8 @@ public:
 
     void popUp(const ShelfItem& item, QPoint globalPosition) override;
     void popUpShelfMenu(QPoint globalPosition);
+    // What a row with `command` and `argument` would do, asked for by a key rather than a menu.
+    void perform(MenuCommand command, const QString& argument);
 
 private:
     void show(const MenuContent& content, QPoint globalPosition);

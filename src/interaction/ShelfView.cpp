@@ -1,12 +1,16 @@
 #include "interaction/ShelfView.h"
 
+#include <QKeyEvent>
 #include <QLabel>
+#include <algorithm>
 #include <QMouseEvent>
 
 #include "interaction/DragSource.h"
 #include "interaction/DropHighlight.h"
 #include "interaction/EmptyStateView.h"
+#include "interaction/ShelfAccessibility.h"
 #include "interaction/ShelfFonts.h"
+#include "interaction/ShelfItemView.h"
 #include "interaction/ShelfLayout.h"
 #include "interaction/ShelfNotice.h"
 #include "interaction/ShelfToolbar.h"
@@ -25,6 +29,7 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
       emptyState_(new EmptyStateView(this)),
       highlight_(new DropHighlight(motion, this)),
       notice_(new QLabel(this)) {
+    ShelfAccessibility::install();
     notice_->setWordWrap(true);
     notice_->setAlignment(Qt::AlignCenter);
     notice_->setFont(ShelfFonts::ofPixels(*notice_, 11));
@@ -34,12 +39,14 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     notice_->setForegroundRole(QPalette::ToolTipText);
     notice_->installEventFilter(this);
     tiles_->setDragSource(dragSource_.get());
+    // Clicked or tabbed to, never on showing: the panel takes no focus from the program the user
+    // drags from until it is clicked.
+    setFocusPolicy(Qt::StrongFocus);
 
     connect(toolbar_, &ShelfToolbar::bringBackClicked, this, [this] { store_.restoreLastRemoved(); });
     connect(toolbar_, &ShelfToolbar::clearClicked, this, [this] { store_.removeAll(); });
     connect(&store_, &ShelfStore::itemsChanged, this, [this] { itemsChanged(); });
-    connect(&store_, &ShelfStore::selectionChanged, this,
-            [this] { tiles_->setSelection(store_.selection()); });
+    connect(&store_, &ShelfStore::selectionChanged, this, &ShelfView::selectionChanged);
     connect(&store_, &ShelfStore::targetedChanged, this, [this] { highlight_->setLit(store_.isTargeted()); });
     connect(&store_, &ShelfStore::noticeChanged, this, &ShelfView::noticeChanged);
 
@@ -81,6 +88,131 @@ void ShelfView::itemsChanged(TileListView::FileCheck check) {
     emptyState_->setVisible(isEmpty);
     tiles_->setVisible(!isEmpty);
     tiles_->setTiles(ShelfStore::tiles(store_.items()), store_.selection(), check);
+    showKeyboardFocus();
+}
+
+void ShelfView::selectionChanged() {
+    tiles_->setSelection(store_.selection());
+    // A click moved the selection away from where the keyboard stood: the keyboard follows it.
+    if (cursorKey_) {
+        const auto views = tiles_->tileViews();
+        const bool stillSelected = std::any_of(views.begin(), views.end(), [this](const ShelfItemView* view) {
+            return view->description().key == *cursorKey_ && view->isSelected();
+        });
+        if (!stillSelected) {
+            cursorKey_.reset();
+            anchorKey_.reset();
+        }
+    }
+    showKeyboardFocus();
+}
+
+std::optional<ShelfKeys::Cursor> ShelfView::cursor(const std::vector<ShelfTile>& tiles) const {
+    auto rowOf = [&](const std::optional<QUuid>& key) -> std::optional<int> {
+        if (!key) return std::nullopt;
+        for (size_t row = 0; row < tiles.size(); ++row) {
+            if (TileDescription::keyOf(tiles[row]) == *key) return static_cast<int>(row);
+        }
+        return std::nullopt;
+    };
+    const auto current = rowOf(cursorKey_);
+    if (current) return ShelfKeys::Cursor{*current, rowOf(anchorKey_).value_or(*current)};
+    if (const auto first = ShelfKeys::firstSelectedRow(tiles, store_.selection()))
+        return ShelfKeys::Cursor{*first, *first};
+    return std::nullopt;
+}
+
+void ShelfView::setCursor(const std::vector<ShelfTile>& tiles, std::optional<ShelfKeys::Cursor> cursor) {
+    if (!cursor) {
+        cursorKey_.reset();
+        anchorKey_.reset();
+        return;
+    }
+    cursorKey_ = TileDescription::keyOf(tiles[static_cast<size_t>(cursor->current)]);
+    anchorKey_ = TileDescription::keyOf(tiles[static_cast<size_t>(cursor->anchor)]);
+}
+
+void ShelfView::showKeyboardFocus() {
+    std::optional<QUuid> focused;
+    if (hasFocus()) {
+        const auto at = cursor(ShelfStore::tiles(store_.items()));
+        if (at)
+            focused =
+                TileDescription::keyOf(ShelfStore::tiles(store_.items())[static_cast<size_t>(at->current)]);
+    }
+    tiles_->setKeyboardFocus(focused);
+}
+
+void ShelfView::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    showKeyboardFocus();
+}
+
+void ShelfView::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    showKeyboardFocus();
+}
+
+void ShelfView::keyPressEvent(QKeyEvent* event) {
+    if (!perform(ShelfKeys::command(event->key(), event->modifiers()))) QWidget::keyPressEvent(event);
+}
+
+bool ShelfView::perform(ShelfKeys::Command command) {
+    using Command = ShelfKeys::Command;
+    const std::vector<ShelfTile> tiles = ShelfStore::tiles(store_.items());
+    const auto at = cursor(tiles);
+    // The tile the keyboard stands on, when it is selected: what the tile menu would be opened on.
+    const ShelfTile* current =
+        at && TileDescription::isSelected(tiles[static_cast<size_t>(at->current)], store_.selection())
+            ? &tiles[static_cast<size_t>(at->current)]
+            : nullptr;
+    auto onCurrent = [&](MenuCommand menuCommand) {
+        if (current) emit commandRequested(menuCommand, current->first().id.toString(QUuid::WithoutBraces));
+    };
+    switch (command) {
+        case Command::none:
+            return false;
+        case Command::moveUp:
+        case Command::moveDown:
+        case Command::extendUp:
+        case Command::extendDown: {
+            const int delta = command == Command::moveUp || command == Command::extendUp ? -1 : 1;
+            const bool extend = command == Command::extendUp || command == Command::extendDown;
+            const auto next = ShelfKeys::step(static_cast<int>(tiles.size()), at, delta, extend);
+            setCursor(tiles, next);
+            if (next) store_.setSelection(ShelfKeys::selection(tiles, *next));
+            showKeyboardFocus();
+            return true;
+        }
+        case Command::selectAll:
+            if (!at && !tiles.empty()) setCursor(tiles, ShelfKeys::Cursor{0, 0});
+            store_.setSelection(ShelfKeys::all(tiles));
+            showKeyboardFocus();
+            return true;
+        case Command::open:
+            onCurrent(MenuCommand::openItem);
+            return true;
+        case Command::copy:
+            onCurrent(MenuCommand::copyItem);
+            return true;
+        case Command::remove:
+            onCurrent(MenuCommand::removeItem);
+            return true;
+        case Command::restoreLastRemoved:
+            store_.restoreLastRemoved();
+            return true;
+        case Command::showMenu:
+            if (current) {
+                const ShelfItemView* view = tiles_->tileView(TileDescription::keyOf(*current));
+                const QPoint where =
+                    view ? view->mapToGlobal(view->rect().center()) : mapToGlobal(rect().center());
+                dragSource_->rightMouseDown(current->first(), where);
+            } else {
+                emit contextMenuRequested(mapToGlobal(rect().center()));
+            }
+            return true;
+    }
+    return false;
 }
 
 void ShelfView::resizeEvent(QResizeEvent*) { placeParts(); }

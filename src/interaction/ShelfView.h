@@ -4,6 +4,8 @@
 #include <memory>
 
 #include "shelf/ReducedMotion.h"
+#include "interaction/MenuContent.h"
+#include "interaction/ShelfKeys.h"
 #include "interaction/TileDescription.h"
 #include "interaction/TileListView.h"
 #include "model/ShelfTile.h"
@@ -46,19 +48,33 @@ public:
     QLabel& notice() { return *notice_; }
 
 signals:
-    // A right click on the shelf's background, for the shelf's own menu.
+    // A right click on the shelf's background, or the menu key with nothing selected, for the
+    // shelf's own menu.
     void contextMenuRequested(QPoint globalPosition);
+    // A key asked for what the tile menu's row `command` does for the item `itemID` (as its
+    // represented object).
+    void commandRequested(MenuCommand command, const QString& itemID);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void itemsChanged(TileListView::FileCheck check = TileListView::FileCheck::changedTilesOnly);
     void placeParts();
     void noticeChanged();
+    void selectionChanged();
+    bool perform(ShelfKeys::Command command);
+    // The keyboard's place in the current list, if it still stands on a tile of it; else the
+    // first selected tile.
+    std::optional<ShelfKeys::Cursor> cursor(const std::vector<ShelfTile>& tiles) const;
+    void setCursor(const std::vector<ShelfTile>& tiles, std::optional<ShelfKeys::Cursor> cursor);
+    void showKeyboardFocus();
 
     ShelfStore& store_;
     std::unique_ptr<DragSource> dragSource_;
@@ -67,6 +83,9 @@ private:
     EmptyStateView* emptyState_;
     DropHighlight* highlight_;
     QLabel* notice_;
+    // The tiles the keyboard stands on and extends from, by their keys: rows shift as items come.
+    std::optional<QUuid> cursorKey_;
+    std::optional<QUuid> anchorKey_;
 };
 
 }  // namespace mosswick

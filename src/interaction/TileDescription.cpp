@@ -1,6 +1,7 @@
 #include "interaction/TileDescription.h"
 
 #include <QLocale>
+#include <QMimeDatabase>
 #include <algorithm>
 
 #include "interaction/ShelfNotice.h"
@@ -28,6 +29,23 @@ QString titleOf(const ShelfItem& item) {
                            : item.displayName;
 }
 
+// The desktop's own words for the type ("PNG image"), in the user's language.
+QString kindOf(const ShelfItem& item) {
+    if (item.webURL) return QStringLiteral("Web link");
+    const QMimeType type = QMimeDatabase().mimeTypeForName(item.contentTypeIdentifier);
+    return type.isValid() ? type.comment() : QString();
+}
+
+QString spokenOf(const ShelfItem& item) {
+    QStringList parts{item.displayName, kindOf(item)};
+    if (item.isPromised)
+        parts << QStringLiteral("waiting for the file");
+    else if (item.contentTypeIdentifier != QLatin1String(kDirectoryType))
+        parts << detailOf(item);
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(", "));
+}
+
 }  // namespace
 
 TileDescription TileDescription::of(const ShelfTile& tile, const OriginCheck& isOriginMissing) {
@@ -52,7 +70,9 @@ TileDescription TileDescription::of(const ShelfTile& tile, const OriginCheck& is
         tip << names.mid(0, kToolTipNames);
         if (names.size() > kToolTipNames) tip << QStringLiteral("…");
         d.headline = d.title;
+        d.spoken = d.title + QStringLiteral(": ") + d.detail;
     } else {
+        d.spoken = spokenOf(first);
         d.title = titleOf(first);
         if (d.isWaiting) {
             d.headline = first.displayName;

@@ -25,6 +25,9 @@ struct TileDescription {
     QString headline;
     QString detail;
     QString toolTip;
+    // What a screen reader says for the tile: the name, the kind of file and its size; a stack's
+    // count and names; that an item is still waiting for its file.
+    QString spoken;
     int count = 1;
     // The first item's content type (a MIME type) and whether it stands for a web link.
     QString contentType;

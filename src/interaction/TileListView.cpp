@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <algorithm>
 
+#include "interaction/ShelfAccessibility.h"
 #include "interaction/ShelfItemView.h"
 #include "interaction/ShelfLayout.h"
 
@@ -35,6 +36,10 @@ TileListView::TileListView(ReducedMotion motion, QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     verticalScrollBar()->setStyleSheet(QString::fromLatin1(kScrollBarStyle));
     setWidgetResizable(false);
+    // Named before anything asks the accessibility bus about it: the role is chosen once.
+    ShelfAccessibility::install();
+    canvas_->setObjectName(QLatin1String(ShelfAccessibility::kTileListName));
+    canvas_->setAccessibleName(QStringLiteral("Items on the shelf"));
     setWidget(canvas_);
     viewport()->setAutoFillBackground(false);
     canvas_->setAutoFillBackground(false);
@@ -123,6 +128,31 @@ void TileListView::setSelection(const std::set<QUuid>& selection) {
     for (const Placement& placement : placements_) {
         if (!placement.isLeaving)
             placement.view->setSelected(TileDescription::isSelected(placement.view->tile(), selection));
+    }
+}
+
+void TileListView::setKeyboardFocus(std::optional<QUuid> key) {
+    ShelfItemView* focused = key ? byKey_.value(*key) : nullptr;
+    for (const Placement& placement : placements_)
+        placement.view->setKeyboardFocus(placement.view == focused);
+    if (!focused || keyboardFocus_ == key) {
+        keyboardFocus_ = key;
+        return;
+    }
+    keyboardFocus_ = key;
+    // Where the tile is going, not where a running change has it now; the first and last tiles
+    // take the list's padding with them.
+    const std::vector<ShelfItemView*> views = tileViews();
+    const auto found = std::find(views.begin(), views.end(), focused);
+    if (found == views.end()) return;
+    if (found == views.begin()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->minimum());
+    } else if (found + 1 == views.end()) {
+        verticalScrollBar()->setValue(verticalScrollBar()->maximum());
+    } else {
+        const QRect target = placements_[static_cast<size_t>(found - views.begin())].to.toRect();
+        ensureVisible(target.center().x(), target.center().y(), 0,
+                      static_cast<int>(ShelfLayout::kSlotHeight / 2));
     }
 }
 

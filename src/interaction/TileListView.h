@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QScrollArea>
 #include <QVariantAnimation>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -39,6 +40,10 @@ public:
     // What handles the mouse on every tile; not owned.
     void setDragSource(DragSource* source);
 
+    // Rings the tile with the key, and scrolls it into view; none when nothing is.
+    void setKeyboardFocus(std::optional<QUuid> key);
+    ShelfItemView* tileView(const QUuid& key) const { return byKey_.value(key); }
+
     // The tiles of the list in order, without those on their way out.
     std::vector<ShelfItemView*> tileViews() const;
     bool isAnimating() const { return animation_.state() == QAbstractAnimation::Running; }
@@ -69,6 +74,7 @@ private:
     QWidget* canvas_;
     std::vector<Placement> placements_;
     QHash<QUuid, ShelfItemView*> byKey_;
+    std::optional<QUuid> keyboardFocus_;
     QVariantAnimation animation_;
 };
 

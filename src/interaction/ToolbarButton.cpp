@@ -16,7 +16,7 @@ ToolbarButton::ToolbarButton(Symbol symbol, const QString& help, QWidget* parent
     : QAbstractButton(parent), symbol_(symbol) {
     setToolTip(help);
     setAccessibleName(help);
-    setFocusPolicy(Qt::NoFocus);
+    setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
     setFixedSize(sizeHint());
 }
@@ -35,6 +35,13 @@ void ToolbarButton::paintEvent(QPaintEvent*) {
     QColor ink = colors.text;
     ink.setAlphaF(0.82f);
     symbol_(painter, box, ink);
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(colors.accent, 2));
+        painter.setBrush(Qt::NoBrush);
+        const double radius = height() / 2.0 - 1;
+        painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
+    }
 }
 
 }  // namespace mosswick

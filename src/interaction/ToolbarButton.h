@@ -5,7 +5,8 @@
 namespace mosswick {
 
 // A toolbar button of the shelf: one drawn symbol on a small glass pill, its help text as the
-// tooltip. Takes no keyboard focus, so clicking it leaves the focus where it was.
+// tooltip and the name a screen reader says. Tab reaches it (Space presses it); a click leaves the
+// focus where it was.
 class ToolbarButton : public QAbstractButton {
     Q_OBJECT
 

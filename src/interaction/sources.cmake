@@ -24,6 +24,7 @@ set(MOSSWICK_INTERACTION_SOURCES
   DragPayload.h DragPayload.cpp
   DragTypeOverride.h DragTypeOverride.cpp
   DragSource.h DragSource.cpp
+  ShelfKeys.h ShelfKeys.cpp
 )
 # The shelf view: toolbar, tiles, empty state and drop highlight.
 set(MOSSWICK_INTERACTION_VIEW_SOURCES
@@ -41,6 +42,7 @@ set(MOSSWICK_INTERACTION_VIEW_SOURCES
   TileListView.h TileListView.cpp
   EmptyStateView.h EmptyStateView.cpp
   DropHighlight.h DropHighlight.cpp
+  ShelfAccessibility.h ShelfAccessibility.cpp
   ShelfView.h ShelfView.cpp
   MenuRenderer.h MenuRenderer.cpp
   ShelfMenuPresenter.h ShelfMenuPresenter.cpp

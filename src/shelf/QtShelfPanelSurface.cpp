@@ -73,6 +73,8 @@ void QtShelfPanelSurface::orderFront() { panel_->orderFront(); }
 
 void QtShelfPanelSurface::orderOut() { panel_->orderOut(); }
 
+void QtShelfPanelSurface::takeFocus() { panel_->takeFocus(); }
+
 void QtShelfPanelSurface::setAppearance(AppearanceMode mode) { panel_->setAppearance(mode); }
 
 void QtShelfPanelSurface::animate(const PanelAnimation& target, std::function<void()> completion) {

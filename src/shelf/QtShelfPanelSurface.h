@@ -32,6 +32,7 @@ public:
     void setFrame(const ScreenRect& frame) override;
     void setAlpha(double alpha) override;
     void orderFront() override;
+    void takeFocus() override;
     void orderOut() override;
     void animate(const PanelAnimation& animation, std::function<void()> completion) override;
     void setAppearance(AppearanceMode mode) override;

@@ -9,6 +9,7 @@
 #include "interaction/ShelfLayout.h"
 #include "model/Logging.h"
 #include "interaction/ShelfPalette.h"
+#include "interaction/ShelfView.h"
 #include "shelf/ShelfContentView.h"
 
 namespace mosswick {
@@ -170,6 +171,12 @@ bool ShelfPanel::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void ShelfPanel::takeFocus() {
+    setAcceptsFocus(true);
+    activateWindow();
+    shelfView().setFocus(Qt::ShortcutFocusReason);
 }
 
 void ShelfPanel::setAcceptsFocus(bool accepts) {

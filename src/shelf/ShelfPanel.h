@@ -42,6 +42,9 @@ public:
     // their drag begins (Chromium and the programs built on it), never see a window mapped later,
     // but follow one that moves.
     void orderOut();
+    // Accepts the focus and asks for it; the shelf's view takes the keys. Qt activates a window
+    // still being mapped once it is.
+    void takeFocus();
     // Mapped and standing where the controller put it (not aside).
     bool isShown() const;
     // Kept mapped outside every monitor while hidden (where the window manager allows it).

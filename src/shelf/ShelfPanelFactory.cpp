@@ -19,6 +19,8 @@ std::unique_ptr<ShelfPanelSurface> ShelfPanelFactory::operator()(const ScreenRec
     ShelfMenuPresenter* menus = &parts_.menus;
     QObject::connect(&panel->shelfView(), &ShelfView::contextMenuRequested, panel,
                      [menus](QPoint at) { menus->popUpShelfMenu(at); });
+    QObject::connect(&panel->shelfView(), &ShelfView::commandRequested, panel,
+                     [menus](MenuCommand command, const QString& item) { menus->perform(command, item); });
     if (parts_.classicMaterial) panel->setClassicMaterial(parts_.classicMaterial());
     if (onPanelMade) onPanelMade(*panel);
     return std::make_unique<QtShelfPanelSurface>(panel);

@@ -41,6 +41,9 @@ public:
     // Maps the panel above other windows without taking the keyboard focus.
     virtual void orderFront() = 0;
     virtual void orderOut() = 0;
+    // Gives the mapped panel the keyboard focus, as a click on it would; only for a request the
+    // user made from the keyboard, never when the panel appears for a drag.
+    virtual void takeFocus() {}
 
     // Animates the properties named by `animation` from their current values, taking over any
     // running animation of the same properties and leaving others running. `completion` runs on

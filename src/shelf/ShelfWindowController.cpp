@@ -51,6 +51,10 @@ void ShelfWindowController::summon() {
     applyPresentation(true, 0);
 }
 
+void ShelfWindowController::focusShelf() {
+    if (isShown_ && panel_) panel_->takeFocus();
+}
+
 void ShelfWindowController::escape() {
     qCDebug(lcShelf) << "escape";
     cancelPreview();

@@ -66,6 +66,8 @@ public:
     // At start-up: hidden, with the restored shelf's content noted.
     void resetToHidden();
     void summon();
+    // The shelf, when it is up, takes the keyboard focus: after the shortcut brought it up.
+    void focusShelf();
     void escape();
     void dragBegan();
     void dragReachedEdge();

@@ -68,6 +68,40 @@ TEST_F(TileTextsTest, APromisedItemSaysItIsWaiting) {
     EXPECT_EQ(d.detail, QString::fromUtf8("— waiting for the file"));
 }
 
+TEST_F(TileTextsTest, AScreenReaderHearsNameKindAndSize) {
+    auto never = [](const ShelfItem&) { return false; };
+    auto spoken = [&](std::vector<ShelfItem> items) {
+        return TileDescription::of({std::move(items)}, never).spoken;
+    };
+
+    ShelfItem photo = item("Holiday photo.png", "image/png");
+    photo.byteSize = 105'800;
+    ShelfItem waiting = item("Archive entry.txt", "text/plain");
+    waiting.isPromised = true;
+    ShelfItem link = item("Mosswick", "text/x-uri");
+    link.webURL = QUrl("https://example.org/mosswick");
+    ShelfItem folder = item("Projects", "inode/directory");
+    ShelfItem unknownType = item("blob", "application/x-no-such-type");
+    ShelfItem empty = item("empty.txt", "text/plain");
+    empty.byteSize = 0;
+
+    const struct {
+        std::vector<ShelfItem> items;
+        const char* expected;
+    } rows[] = {
+        {{photo}, "Holiday photo.png, PNG image, 105.8 kB"},
+        // Nothing to weigh yet: the name, what it is, and that it waits.
+        {{waiting}, "Archive entry.txt, plain text document, waiting for the file"},
+        {{link}, "Mosswick, Web link, example.org"},
+        // A folder's size is not its contents'; none is said.
+        {{folder}, "Projects, folder"},
+        {{unknownType}, "blob, 2.5 kB"},
+        {{empty}, "empty.txt, plain text document"},
+        {batch({"a.jpg", "b.jpg", "c.jpg"}), "3 items: a.jpg, b.jpg, c.jpg"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(spoken(row.items), QString::fromUtf8(row.expected));
+}
+
 TEST_F(TileTextsTest, AMissingOriginalIsBadgedAndExplained) {
     const ShelfItem gone = item("moved away.pdf");
     auto onlyGone = [&](const ShelfItem& candidate) { return candidate.id == gone.id; };

@@ -1,6 +1,8 @@
 // The shelf view as the user meets it: what shows, what clicks do, and when it animates.
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -74,6 +76,88 @@ TEST_F(ShelfViewTest, ClearingTheShelfCanBeBroughtBackToTheTop) {
     EXPECT_EQ(itemNames(), (std::vector<QString>{"b.pdf", "a.pdf", "c.pdf"}));
     EXPECT_FALSE(view->toolbar().bringBackButton().isVisible());
     EXPECT_EQ(count(*view), "3 items");
+}
+
+TEST_F(ShelfViewTest, KeysMoveTheSelectionAndAskForTheTileMenusCommands) {
+    store->add(batch({"s1.jpg", "s2.jpg"}));
+    store->add({item("b.pdf")});
+    store->add({item("a.pdf")});
+    auto view = makeView();
+    // As the panel's click gives it: the window active, the focus on the view.
+    QApplication::setActiveWindow(view.get());
+    view->setFocus();
+    ASSERT_TRUE(view->hasFocus());
+    QSignalSpy commands(view.get(), &ShelfView::commandRequested);
+    QSignalSpy shelfMenu(view.get(), &ShelfView::contextMenuRequested);
+    auto selectedNames = [&] {
+        std::vector<QString> names;
+        for (const ShelfItem& stored : store->items())
+            if (store->selection().count(stored.id)) names.push_back(stored.displayName);
+        return names;
+    };
+    auto ringed = [&] {
+        std::vector<QString> names;
+        for (const ShelfItemView* tile : view->tileList().tileViews())
+            if (tile->hasKeyboardFocus()) names.push_back(tile->tile().first().displayName);
+        return names;
+    };
+    auto idOf = [&](const QString& name) {
+        for (const ShelfItem& stored : store->items())
+            if (stored.displayName == name) return stored.id.toString(QUuid::WithoutBraces);
+        return QString();
+    };
+
+    // Nothing selected: Enter and Ctrl+C have nothing to act on, the menu key opens the shelf's menu.
+    QTest::keyClick(view.get(), Qt::Key_Return);
+    QTest::keyClick(view.get(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(view.get(), Qt::Key_Menu);
+    EXPECT_EQ(commands.count(), 0);
+    EXPECT_EQ(shelfMenu.count(), 1);
+
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    EXPECT_EQ(selectedNames(), (std::vector<QString>{"b.pdf"}));
+    EXPECT_EQ(ringed(), (std::vector<QString>{"b.pdf"}));
+    // Shift reaches into the stack and takes all of it.
+    QTest::keyClick(view.get(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(selectedNames(), (std::vector<QString>{"b.pdf", "s1.jpg", "s2.jpg"}));
+    QTest::keyClick(view.get(), Qt::Key_Return);
+    QTest::keyClick(view.get(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    ASSERT_EQ(commands.count(), 3);
+    // Each as the tile menu of the tile the keyboard stands on: the stack's first item.
+    EXPECT_EQ(commands[0], (QVariantList{QVariant::fromValue(MenuCommand::openItem), idOf("s1.jpg")}));
+    EXPECT_EQ(commands[1][0].value<MenuCommand>(), MenuCommand::copyItem);
+    EXPECT_EQ(commands[2][0].value<MenuCommand>(), MenuCommand::removeItem);
+
+    // A click elsewhere moves the keyboard with it.
+    click(*view, centreOf(*view, *view->tileList().tileViews()[0]));
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    EXPECT_EQ(selectedNames(), (std::vector<QString>{"b.pdf"}));
+
+    QTest::keyClick(view.get(), Qt::Key_A, Qt::ControlModifier);
+    EXPECT_EQ(selectedNames().size(), 4u);
+
+    store->remove({store->items().front().id}, true);
+    QTest::keyClick(view.get(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(itemNames().front(), "a.pdf");
+}
+
+TEST_F(ShelfViewTest, TheTileTheKeyboardReachesIsScrolledIntoView) {
+    for (int i = 0; i < 12; ++i) store->add({item(QString::number(i) + ".pdf")});
+    auto view = makeView(3);
+    QApplication::setActiveWindow(view.get());
+    view->setFocus();
+    const QScrollBar& bar = *view->tileList().verticalScrollBar();
+    ASSERT_GT(bar.maximum(), 0);
+    QTest::keyClick(view.get(), Qt::Key_Up);  // lands on the bottom tile
+    EXPECT_EQ(bar.value(), bar.maximum());
+    for (int i = 0; i < 11; ++i) QTest::keyClick(view.get(), Qt::Key_Up);
+    EXPECT_EQ(bar.value(), 0);
+    EXPECT_EQ(view->tileList().tileViews().front()->hasKeyboardFocus(), true);
+    // The ring is the focused shelf's only.
+    view->clearFocus();
+    EXPECT_FALSE(view->tileList().tileViews().front()->hasKeyboardFocus());
 }
 
 TEST_F(ShelfViewTest, AStackAndASingleItemMakeTwoTilesNewestFirst) {

@@ -22,6 +22,7 @@ public:
     void orderOut() override;
     void animate(const PanelAnimation& animation, std::function<void()> completion) override;
     void setAppearance(AppearanceMode mode) override { appearance_ = mode; }
+    void takeFocus() override { log("take focus"); }
 
     bool allowsAside = false;
 

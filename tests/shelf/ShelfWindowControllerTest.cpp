@@ -192,6 +192,21 @@ TEST_F(ShelfWindowControllerTest, AToggledAwayShelfStaysAwayUntilContentAppearsA
     EXPECT_TRUE(controller->isShown());
 }
 
+TEST_F(ShelfWindowControllerTest, OnlyAShelfThatIsUpTakesTheFocus) {
+    controller->focusShelf();
+    EXPECT_EQ(panelsMade, 0);
+    controller->toggle();
+    panel->finishAnimations();
+    log();
+    controller->focusShelf();
+    EXPECT_EQ(log(), (std::vector<std::string>{"take focus"}));
+    controller->toggle();
+    panel->finishAnimations();
+    log();
+    controller->focusShelf();
+    EXPECT_EQ(log(), std::vector<std::string>{});
+}
+
 TEST_F(ShelfWindowControllerTest, EscapeDuringAPreviewEndsItAndHides) {
     controller->previewPlacement();
     EXPECT_TRUE(controller->isShown());
