@@ -291,7 +291,9 @@ TEST_F(PreviewGeneratorTest, ThumbnailersThatFailGiveNoPictureAndNeverHoldUpTheS
     writeFile(input, bytesOf(encoded(filled(64, 64, Qt::magenta), "png")));
     int index = 0;
     for (const auto& c : cases) {
-        setMtime(input, 100 + index);  // a fresh version each time, so no failure record stands in
+        // A fresh version each time, so no earlier picture or failure record stands in; far apart,
+        // as the times are counted back from now and a slow case must not meet the one before.
+        setMtime(input, 1000 * (index + 1));
         const auto tools = folder / ("tools" + std::to_string(index++));
         const PreviewGenerator g = generator({script(tools, "thumb", c.body)});
         QElapsedTimer timer;
