@@ -3,8 +3,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCommandLineParser>
-#include <QThread>
-#include <QDBusConnection>
 #include <QElapsedTimer>
 #include <QIcon>
 #include <QLoggingCategory>
