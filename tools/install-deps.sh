@@ -37,6 +37,11 @@ packages=(
   at-spi2-core python3-pyatspi
   # the keyboard test opens a file through xdg-open's rules with a stand-in default application
   xdg-utils file
+  # Wayland sessions run headless for the desktop tests: mutter and KWin with XWayland, a
+  # Wayland-native GTK drag source (Python GObject), KWin's fake-input protocol for the pointer
+  # injector built by the tests, and the settings stores the shortcut button writes into
+  mutter kwin-wayland xwayland gir1.2-gtk-3.0 libwayland-dev plasma-wayland-protocols dconf-cli
+  gsettings-desktop-schemas gnome-settings-daemon-common libkf5config-bin
 )
 
 missing=()

@@ -2,6 +2,7 @@
 # and keyboard layout the shortcut is shown and stored with.
 set(MOSSWICK_TRIGGERS_SOURCES
   DesktopProbe.h
+  DesktopSession.h DesktopSession.cpp
   DummyDesktopProbe.h
   DragMonitor.h DragMonitor.cpp
   InstalledApplications.h
