@@ -22,6 +22,8 @@ packages=(
   fonts-dejavu-core shared-mime-info bc python3
   # second screen (RandR monitors) and the XEmbed tray for the desktop tests
   x11-xserver-utils trayer
+  # a tray that names its icons' colour (and hosts StatusNotifierItems): the tray glyph on a dark panel
+  xfce4-panel
   # the settings' desktop test checks the autostart entry it writes
   desktop-file-utils
   # a real browser and a real file manager (with the settings service that sets its view) as drag

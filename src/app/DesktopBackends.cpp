@@ -21,6 +21,7 @@
 #include "platform/x11/X11DragTypeOverride.h"
 #include "platform/x11/X11HotKeyService.h"
 #include "platform/x11/X11PanelHints.h"
+#include "platform/x11/X11TrayColors.h"
 #include "platform/x11/X11WorkArea.h"
 #include "platform/x11/XkbKeyboardLayout.h"
 #include "settings/LoginItem.h"
@@ -105,6 +106,15 @@ std::unique_ptr<LoginItem> DesktopBackends::makeLoginItem(DefaultsStore& default
             QStringList{QFileInfo(QCoreApplication::applicationFilePath()).fileName()});
     return std::make_unique<XdgAutostartEntry>(XdgAutostartEntry::defaultFolder(),
                                                XdgAutostartEntry::installedExecutable());
+}
+
+void DesktopBackends::followTrayTextColor(std::function<void(std::optional<QColor>)> changed) {
+    if (!x11_) {
+        changed(std::nullopt);
+        return;
+    }
+    trayColors_ = std::make_unique<X11TrayColors>(*x11_, changed);
+    changed(trayColors_->textColor());
 }
 
 InstalledApplications& DesktopBackends::installedApplications() { return *installedApplications_; }

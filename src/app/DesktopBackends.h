@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QColor>
+#include <functional>
 #include <memory>
+#include <optional>
 
 #include "shelf/ShelfDropIngestHandler.h"
 
@@ -23,6 +26,7 @@ class SleepWatch;
 class Workspace;
 class X11Connection;
 class X11DirectSaveReceiver;
+class X11TrayColors;
 
 // The session's desktop services, chosen once at start-up: X11 where Qt runs on xcb (XWayland
 // included), the portal for the shortcut on Wayland when the desktop offers it, and do-nothing
@@ -58,6 +62,9 @@ public:
     Workspace& workspace() { return *workspace_; }
     // Answers what Qt would get wrong of the shelf's own drags.
     DragTypeOverride& dragTypes() { return *dragTypes_; }
+    // Calls `changed` with the text colour the system tray asks its icons to use (none when no
+    // tray says), now and whenever a tray starts, quits or changes its colours.
+    void followTrayTextColor(std::function<void(std::optional<QColor>)> changed);
 
 private:
     DesktopBackends();
@@ -73,6 +80,7 @@ private:
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
     std::unique_ptr<DragTypeOverride> dragTypes_;
+    std::unique_ptr<X11TrayColors> trayColors_;
 
     std::unique_ptr<SleepWatch> sleepWatch_;
     std::unique_ptr<DesktopEntries> installedApplications_;

@@ -12,7 +12,7 @@ constexpr qreal kBox = 18;
 // Draws the outline at whatever size and scale the tray wants, instead of scaling one bitmap.
 class OutlineEngine final : public QIconEngine {
 public:
-    explicit OutlineEngine(QColor ink) : ink_(ink) {}
+    explicit OutlineEngine(Colors colors) : colors_(std::move(colors)) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
         painter->save();
@@ -20,9 +20,17 @@ public:
         const qreal side = qMin(rect.width(), rect.height());
         painter->translate(rect.x() + (rect.width() - side) / 2, rect.y() + (rect.height() - side) / 2);
         painter->scale(side / kBox, side / kBox);
-        QColor ink = ink_;
-        if (mode == QIcon::Disabled) ink.setAlphaF(0.4);
-        painter->fillPath(outline(), ink);
+        const qreal alpha = mode == QIcon::Disabled ? 0.4 : 1.0;
+        const QPainterPath glyph = outline();
+        if (colors_.rim) {
+            // Stroked under the fill, so half of it shows around the square and inside the letter.
+            QColor rim = *colors_.rim;
+            rim.setAlphaF(rim.alphaF() * alpha);
+            painter->strokePath(glyph, QPen(rim, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        }
+        QColor ink = colors_.ink;
+        ink.setAlphaF(ink.alphaF() * alpha);
+        painter->fillPath(glyph, ink);
         painter->restore();
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -32,10 +40,10 @@ public:
         paint(&painter, QRect(QPoint(0, 0), size), mode, state);
         return made;
     }
-    QIconEngine* clone() const override { return new OutlineEngine(ink_); }
+    QIconEngine* clone() const override { return new OutlineEngine(colors_); }
 
 private:
-    QColor ink_;
+    Colors colors_;
 };
 
 }  // namespace
@@ -52,6 +60,13 @@ QPainterPath outline() {
     return path;
 }
 
-QIcon icon(const QColor& ink) { return QIcon(new OutlineEngine(ink)); }
+Colors colorsFor(std::optional<QColor> trayText, const QColor& text, const QColor& background) {
+    if (trayText && trayText->isValid()) return {*trayText, std::nullopt};
+    QColor rim = background;
+    rim.setAlphaF(0.9);
+    return {text, rim};
+}
+
+QIcon icon(const Colors& colors) { return QIcon(new OutlineEngine(colors)); }
 
 }  // namespace mosswick::MenuBarIcon

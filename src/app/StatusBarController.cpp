@@ -36,7 +36,7 @@ void StatusBarController::setVisible(bool visible) {
     connect(menu_.get(), &QMenu::aboutToShow, this,
             [this] { fillMenu(*menu_, services_.menu(), services_.perform); });
     trayIcon_ = std::make_unique<QSystemTrayIcon>();
-    trayIcon_->setIcon(MenuBarIcon::icon(QApplication::palette().color(QPalette::WindowText)));
+    drawIcon();
     trayIcon_->setToolTip(QStringLiteral("Mosswick"));
     trayIcon_->setContextMenu(menu_.get());
     // A left click opens the same menu: the icon has nothing else to do.
@@ -45,6 +45,18 @@ void StatusBarController::setVisible(bool visible) {
                 if (reason == QSystemTrayIcon::Trigger && menu_) menu_->popup(QCursor::pos());
             });
     trayIcon_->show();
+}
+
+void StatusBarController::setTrayTextColor(std::optional<QColor> color) {
+    if (color == trayTextColor_) return;
+    trayTextColor_ = color;
+    if (trayIcon_) drawIcon();
+}
+
+void StatusBarController::drawIcon() {
+    const QPalette palette = QApplication::palette();
+    trayIcon_->setIcon(MenuBarIcon::icon(MenuBarIcon::colorsFor(
+        trayTextColor_, palette.color(QPalette::WindowText), palette.color(QPalette::Window))));
 }
 
 }  // namespace mosswick

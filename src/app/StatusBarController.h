@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "interaction/MenuContent.h"
 
@@ -28,9 +30,15 @@ public:
     // Shows or removes the icon; asking twice for the same leaves one icon or none.
     void setVisible(bool visible);
     bool isVisible() const { return trayIcon_ != nullptr; }
+    // The colour the running tray draws its icons in, when it says (X11 trays may); the icon is
+    // drawn again in it.
+    void setTrayTextColor(std::optional<QColor> color);
 
 private:
+    void drawIcon();
+
     Services services_;
+    std::optional<QColor> trayTextColor_;
     std::unique_ptr<QMenu> menu_;
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
     bool saidNoTray_ = false;

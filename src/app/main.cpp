@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     if (QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor"))
         QIcon::setThemeName(QStringLiteral("Adwaita"));
     // The settings window's icon and the About pane's picture.
-    QApplication::setWindowIcon(MenuBarIcon::icon(QApplication::palette().color(QPalette::WindowText)));
+    QApplication::setWindowIcon(MenuBarIcon::icon({QApplication::palette().color(QPalette::WindowText), {}}));
 
     QCommandLineParser options;
     options.setApplicationDescription(QStringLiteral(
@@ -186,6 +186,8 @@ int main(int argc, char** argv) {
              return ShelfMenus::mainMenu({preferences, store, Updater::current() != nullptr});
          },
          [&menuActions](const MenuEntry& entry) { menuActions.perform(entry); }});
+    desktop.followTrayTextColor(
+        [&statusBar](std::optional<QColor> color) { statusBar.setTrayTextColor(color); });
 
     AppDelegate delegate(
         {preferences, store, controller, dragMonitor, hotKeys, defaults, addClipboardContents,

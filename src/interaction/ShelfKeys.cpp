@@ -72,4 +72,17 @@ std::optional<int> ShelfKeys::firstSelectedRow(const std::vector<ShelfTile>& til
     return std::nullopt;
 }
 
+std::optional<int> ShelfKeys::rowAfterRemovingSelection(const std::vector<ShelfTile>& tiles,
+                                                        const std::set<QUuid>& selection, int current) {
+    const int count = static_cast<int>(tiles.size());
+    auto stays = [&](int row) {
+        return !TileDescription::isSelected(tiles[static_cast<size_t>(row)], selection);
+    };
+    for (int row = current + 1; row < count; ++row)
+        if (stays(row)) return row;
+    for (int row = std::min(current, count) - 1; row >= 0; --row)
+        if (stays(row)) return row;
+    return std::nullopt;
+}
+
 }  // namespace mosswick

@@ -47,6 +47,11 @@ public:
     // The first row holding a selected item.
     static std::optional<int> firstSelectedRow(const std::vector<ShelfTile>& tiles,
                                                const std::set<QUuid>& selection);
+    // Where the keyboard goes once the selected tiles are removed from under `current`: the first
+    // tile left after it, else the last one left before it, so Delete pressed again goes on
+    // removing down the list. Nothing when no tile is left.
+    static std::optional<int> rowAfterRemovingSelection(const std::vector<ShelfTile>& tiles,
+                                                        const std::set<QUuid>& selection, int current);
 };
 
 }  // namespace mosswick

@@ -132,6 +132,17 @@ void ShelfView::setCursor(const std::vector<ShelfTile>& tiles, std::optional<She
     anchorKey_ = TileDescription::keyOf(tiles[static_cast<size_t>(cursor->anchor)]);
 }
 
+void ShelfView::landOn(const std::optional<QUuid>& key) {
+    const std::vector<ShelfTile> tiles = ShelfStore::tiles(store_.items());
+    std::optional<ShelfKeys::Cursor> at;
+    for (size_t row = 0; key && row < tiles.size(); ++row)
+        if (TileDescription::keyOf(tiles[row]) == *key) at = ShelfKeys::Cursor{int(row), int(row)};
+    setCursor(tiles, at);
+    // Only once the removal has happened: a removal nobody carried out keeps its selection.
+    if (at && store_.selection().empty()) store_.setSelection(ShelfKeys::selection(tiles, *at));
+    showKeyboardFocus();
+}
+
 void ShelfView::showKeyboardFocus() {
     std::optional<QUuid> focused;
     if (hasFocus()) {
@@ -195,9 +206,16 @@ bool ShelfView::perform(ShelfKeys::Command command) {
         case Command::copy:
             onCurrent(MenuCommand::copyItem);
             return true;
-        case Command::remove:
+        case Command::remove: {
+            if (!current) return true;
+            const auto next = ShelfKeys::rowAfterRemovingSelection(tiles, store_.selection(), at->current);
+            const std::optional<QUuid> nextKey =
+                next ? std::optional(TileDescription::keyOf(tiles[static_cast<size_t>(*next)]))
+                     : std::nullopt;
             onCurrent(MenuCommand::removeItem);
+            landOn(nextKey);
             return true;
+        }
         case Command::restoreLastRemoved:
             store_.restoreLastRemoved();
             return true;

@@ -74,6 +74,8 @@ private:
     // first selected tile.
     std::optional<ShelfKeys::Cursor> cursor(const std::vector<ShelfTile>& tiles) const;
     void setCursor(const std::vector<ShelfTile>& tiles, std::optional<ShelfKeys::Cursor> cursor);
+    // Puts the keyboard (and the selection) on the tile `key`, if it is still there.
+    void landOn(const std::optional<QUuid>& key);
     void showKeyboardFocus();
 
     ShelfStore& store_;

@@ -143,6 +143,36 @@ TEST_F(ShelfViewTest, KeysMoveTheSelectionAndAskForTheTileMenusCommands) {
     EXPECT_EQ(itemNames().front(), "a.pdf");
 }
 
+TEST_F(ShelfViewTest, DeleteLeavesTheKeyboardOnTheNextTileSoItCanGoOnRemoving) {
+    for (const char* name : {"d.pdf", "c.pdf", "b.pdf", "a.pdf"}) store->add({item(name)});
+    auto view = makeView(4);
+    QApplication::setActiveWindow(view.get());
+    view->setFocus();
+    // What the tile menu's Remove does with a selected tile: the whole selection goes.
+    QObject::connect(view.get(), &ShelfView::commandRequested, [&](MenuCommand command, const QString&) {
+        if (command == MenuCommand::removeItem) store->remove(store->selection(), true);
+    });
+    auto selectedNames = [&] {
+        std::vector<QString> names;
+        for (const ShelfItem& stored : store->items())
+            if (store->selection().count(stored.id)) names.push_back(stored.displayName);
+        return names;
+    };
+
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    QTest::keyClick(view.get(), Qt::Key_Down, Qt::ShiftModifier);  // b and c
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    EXPECT_EQ(itemNames(), (std::vector<QString>{"a.pdf", "d.pdf"}));
+    EXPECT_EQ(selectedNames(), (std::vector<QString>{"d.pdf"}));
+    // The last tile gone, the keyboard steps back to the one before it.
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    EXPECT_EQ(selectedNames(), (std::vector<QString>{"a.pdf"}));
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    EXPECT_TRUE(itemNames().empty());
+    EXPECT_TRUE(selectedNames().empty());
+}
+
 TEST_F(ShelfViewTest, TheTileTheKeyboardReachesIsScrolledIntoView) {
     for (int i = 0; i < 12; ++i) store->add({item(QString::number(i) + ".pdf")});
     auto view = makeView(3);

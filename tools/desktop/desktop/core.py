@@ -27,7 +27,7 @@ class Desktop(Session, Programs, Xarchiver, Input, Windows):
         strip, so the window manager's work area is smaller than the screen.
     session_bus: start a private D-Bus session bus (else programs find no session bus).
     compositor: start xcompmgr and wait until it runs.
-    tray: start trayer, an XEmbed system tray (openbox has none).
+    tray: start trayer, an XEmbed system tray (openbox has none); "dark" for a near-black one.
     name: the test's name (default $MOSSWICK_TEST_NAME, else the script's name).
     timeout: seconds after which the test fails (default $MOSSWICK_TEST_TIMEOUT).
     """
@@ -61,7 +61,7 @@ class Desktop(Session, Programs, Xarchiver, Input, Windows):
             if strut_bottom:
                 self.add_strut("bottom", strut_bottom)
             if tray:
-                self._start_tray()
+                self._start_tray(tray)
         except BaseException:
             self.close()
             raise

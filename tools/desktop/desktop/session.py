@@ -120,10 +120,27 @@ class Session:
         self.start(["xcompmgr"], name="xcompmgr")
         self.wait_for(lambda: self.screens_seen_by_qt().get("compositor"), 10, "xcompmgr to compose")
 
-    def _start_tray(self):
+    def _start_tray(self, look=True):
+        if look == "xfce4-panel-dark":
+            return self._start_xfce_panel()
+        # "dark": a near-black panel that does not say what colour its icons should be.
+        colors = ["--transparent", "true", "--alpha", "0", "--tint", "0x202020"] if look == "dark" else []
         tray = self.start(["trayer", "--edge", "top", "--align", "right", "--widthtype", "pixel",
-                           "--width", "120", "--height", "24", "--SetPartialStrut", "false"], name="trayer")
+                           "--width", "120", "--height", "24", "--SetPartialStrut", "false"] + colors,
+                          name="trayer")
         self.wait_mapped(tray)
+
+    def _start_xfce_panel(self):
+        """Xfce's panel along the top with only its notification area, in GTK's dark theme: a tray
+        that names its icons' colour (_NET_SYSTEM_TRAY_COLORS) and also hosts StatusNotifierItems.
+        Its settings are written beforehand, so it starts without asking which layout to use."""
+        channel = os.path.join(self.env["XDG_CONFIG_HOME"], "xfce4", "xfconf", "xfce-perchannel-xml")
+        os.makedirs(channel, exist_ok=True)
+        with open(os.path.join(channel, "xfce4-panel.xml"), "w", encoding="utf-8") as f:
+            f.write(XFCE_PANEL_SETTINGS)
+        panel = self.start(["env", "GTK_THEME=Adwaita:dark", "xfce4-panel"], name="xfce4-panel")
+        self.wait_mapped(panel, 20)
+        return panel
 
     def add_strut(self, edge, size, screen=0):
         """Starts a panel along `edge` ("top", "bottom", "left", "right") of a screen that
@@ -138,3 +155,25 @@ class Session:
         """The window manager's work area (x, y, width, height) on the first desktop."""
         value = self.root_property("_NET_WORKAREA")
         return tuple(int(v) for v in value.split(",")[:4]) if value else None
+
+
+XFCE_PANEL_SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="28"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="systray"/>
+  </property>
+</channel>
+"""
