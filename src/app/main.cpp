@@ -192,7 +192,8 @@ int main(int argc, char** argv) {
          [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
          [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     commands = std::make_unique<ShelfCommands>(ShelfCommands::Services{
-        store, controller, ingest, addClipboardContents,
+        store, controller, ingest,
+        [&clipboardImport] { return ClipboardImport::addContentsOfClipboard(clipboardImport); },
         [&delegate] { delegate.applicationShouldHandleReopen(); }, [] { QCoreApplication::quit(); }});
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 #if QT_CONFIG(sessionmanager)
