@@ -1,5 +1,6 @@
 #include "app/Updater.h"
 
+#include <QLoggingCategory>
 #include <variant>
 
 #include "app/UpdateFeed.h"
@@ -8,6 +9,8 @@
 namespace mosswick {
 
 namespace {
+Q_LOGGING_CATEGORY(lcUpdates, "mosswick.updates", QtInfoMsg)
+
 Updater* currentUpdater = nullptr;
 
 QString failure(const QString& why) { return QStringLiteral("Couldn't update Mosswick: %1").arg(why); }
@@ -91,6 +94,11 @@ void Updater::feedArrived(const QByteArray& feed) {
 
 void Updater::finish(UpdateResult result) {
     timeout_.cancel();
+    // An automatic check has nobody to tell: its outcome is in the log only.
+    if (result.outcome == UpdateResult::Outcome::failed)
+        qCWarning(lcUpdates).noquote() << result.message;
+    else
+        qCInfo(lcUpdates).noquote() << result.message;
     std::vector<Done> waiting = std::exchange(waiting_, {});
     for (const Done& done : waiting)
         if (done) done(result);
