@@ -21,7 +21,7 @@ import ssl
 import subprocess
 import threading
 
-from desktop import Desktop, skip, skip_unless_available
+from desktop import Desktop, signing, skip, skip_unless_available
 from desktop.mosswick import running_copies, write_settings
 from desktop.process import DesktopError, wait_for
 
@@ -30,8 +30,6 @@ FOLDER = os.environ.get("MOSSWICK_UPDATE_TEST", "")
 OLD, NEW = os.environ.get("MOSSWICK_UPDATE_OLD", ""), os.environ.get("MOSSWICK_UPDATE_NEW", "")
 if not (os.path.isdir(FOLDER) and os.access(OLD, os.X_OK) and os.access(NEW, os.X_OK)):
     skip("the update test's builds of Mosswick are not there (MOSSWICK_UPDATE_TEST/_OLD/_NEW)")
-
-from desktop import signing  # noqa: E402 (needs libsodium, which the builds above link)
 
 SETTINGS = signing.make_settings(FOLDER)
 SECRET = signing.secret_key(FOLDER)
@@ -89,8 +87,9 @@ class Server:
         self.httpd.server_close()
 
 
-def release(version, path, archive, size=None, secret=SECRET, url=None):
-    return {"version": version, "url": url or server.url(path), "size": len(archive) if size is None else size,
+def release(version, url, archive, size=None, secret=SECRET):
+    """A feed's entry for `archive` at `url`, signed with `secret`; `size` says another length."""
+    return {"version": version, "url": url, "size": len(archive) if size is None else size,
             "signature": base64.b64encode(signing.sign(secret, archive)).decode()}
 
 
@@ -138,9 +137,9 @@ def update_messages(program_log):
 
 
 def check_for_updates(d, pid, log):
-    """Chooses "Check for Updates…" in the tray menu of the Mosswick with process id `pid` and
-    returns what the updater said (read from the log; the same sentence is in the message box,
-    which is left up)."""
+    """Chooses "Check for Updates…" in the tray menu of the Mosswick with process id `pid`; returns
+    what the updater said (read from the log; the same sentence is in the message box, left up)
+    and the windows that were there before (the box is none of them)."""
     said = len(update_messages(log))
     icon = d.wait_for(lambda: [w for w in d.windows(pid) if d.window_geometry(w)[1] < TRAY_TOP], 10,
                       "Mosswick's icon in the tray")[0]
@@ -153,13 +152,14 @@ def check_for_updates(d, pid, log):
     d.key("Return")
     messages = d.wait_for(lambda: update_messages(log)[said:], 20, "the updater's answer")
     assert len(messages) == 1, messages
-    return messages[0]
+    return messages[0], before
 
 
-def close_message_box(d, pid):
-    """Waits for the message box (a window titled "Mosswick") and closes it with Return."""
+def close_message_box(d, pid, before):
+    """Waits for the message box (a new window titled "Mosswick", as the shelf is too) and closes
+    it with Return."""
     def box():
-        for window in d.windows(pid):
+        for window in set(d.windows(pid)) - before:
             if d.run(["xdotool", "getwindowname", str(window)]).strip() == "Mosswick":
                 return window
         return None
@@ -187,6 +187,8 @@ with Desktop(tray=True) as d:
     except OSError as error:
         skip(f"cannot serve on {SETTINGS['host']}:{SETTINGS['port']}: {error}")
     new_path = "/" + new_name
+    new_url = server.url(new_path)
+    older = release("1.8.2", server.url("/old.tar.gz"), old_archive)
     other_new = new_archive[:-1] + bytes([new_archive[-1] ^ 1])
     write_settings(d, checkForUpdatesAutomatically=False)
     note = os.path.join(d.temp, "note.txt")
@@ -201,44 +203,43 @@ with Desktop(tray=True) as d:
         assert untouched["bin"] == ["mosswick"], untouched
 
         refusals = [
-            ("signed by another key", [release("1.10.0", new_path, new_archive, secret=OTHER_SECRET)],
+            ("signed by another key", [release("1.10.0", new_url, new_archive, secret=OTHER_SECRET)],
              {new_path: new_archive}, "the download of 1.10.0 is not signed with this app's key"),
-            ("altered after signing", [release("1.10.0", new_path, new_archive)], {new_path: other_new},
+            ("altered after signing", [release("1.10.0", new_url, new_archive)], {new_path: other_new},
              "the download of 1.10.0 is not signed with this app's key"),
-            ("shorter than the feed says", [release("1.10.0", new_path, new_archive)],
+            ("shorter than the feed says", [release("1.10.0", new_url, new_archive)],
              {new_path: new_archive[:-100]}, "was cut short"),
-            ("longer than the feed says", [release("1.10.0", new_path, new_archive, size=len(new_archive) - 100)],
+            ("longer than the feed says", [release("1.10.0", new_url, new_archive, size=len(new_archive) - 100)],
              {new_path: new_archive}, "the download is larger than announced"),
             ("offered over plain HTTP",
-             [release("1.10.0", new_path, new_archive, url=f"http://{SETTINGS['host']}:8080{new_path}")], {},
+             [release("1.10.0", f"http://{SETTINGS['host']}:8080{new_path}", new_archive)], {},
              "an archive is not offered over HTTPS (release 1.10.0)"),
-            ("redirected to plain HTTP", [release("1.10.0", new_path, new_archive)],
+            ("redirected to plain HTTP", [release("1.10.0", new_url, new_archive)],
              {new_path: (302, {"Location": f"http://{SETTINGS['host']}:8080{new_path}"}, b"")},
              "redirected to plain HTTP"),
-            ("an older version only", [release("1.8.2", "/old.tar.gz", old_archive)], {"/old.tar.gz": old_archive},
-             "Mosswick 1.9.0 is up to date."),
+            ("an older version only", [older], {"/old.tar.gz": old_archive}, "Mosswick 1.9.0 is up to date."),
         ]
         for what, releases, files, expected in refusals:
             server.offer(releases, files)
-            message = check_for_updates(d, old.pid, old.log)
+            message, before = check_for_updates(d, old.pid, old.log)
             assert expected in message, (what, message)
-            close_message_box(d, old.pid)
+            close_message_box(d, old.pid, before)
             assert copy.state() == untouched, (what, copy.state())
             assert old.running() and copy.cli("list")[0] == 0, what
             print(f"ok: {what}: refused, nothing changed: {message}")
 
         # The real update. While its message box is up, the old copy still runs and the new one is
         # installed with the old binary kept beside it.
-        server.offer([release("1.8.2", "/old.tar.gz", old_archive), release("1.10.0", new_path, new_archive)],
+        server.offer([older, release("1.10.0", new_url, new_archive)],
                      {new_path: new_archive, "/old.tar.gz": old_archive})
-        message = check_for_updates(d, old.pid, old.log)
+        message, before = check_for_updates(d, old.pid, old.log)
         assert message == "Mosswick was updated to 1.10.0 and restarts now.", message
         assert copy.cli("--version")[1] == "mosswick 1.10.0\n"
         assert sorted(os.listdir(os.path.dirname(copy.binary))) == ["mosswick", "mosswick.old"]
         assert sha(copy.binary + ".old") == untouched["binary"]
         assert os.listdir(os.path.join(prefix, "share", "mosswick")) == ["installed-from-archive"]
         assert old.running()
-        close_message_box(d, old.pid)
+        close_message_box(d, old.pid, before)
         old.wait(10)  # and reaped: the restart waits for the old process to be gone
         new_pid = d.wait_for(lambda: running_copies(copy.binary), 15, "the new copy to start")[0]
         assert new_pid != old.pid

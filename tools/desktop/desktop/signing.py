@@ -52,7 +52,8 @@ def make_settings(folder):
         # An address of 127/8 of its own, so that two builds' servers never meet on a port.
         host = f"127.{random.randint(1, 254)}.{random.randint(1, 254)}.1"
         settings = {"host": host, "port": 8443, "feed": f"https://{host}:8443/feed.json",
-                    "publicKey": base64.b64encode(public).decode(), "authorities": os.path.join(folder, "authority.pem")}
+                    "publicKey": base64.b64encode(public).decode(),
+                    "authorities": os.path.join(folder, "authority.pem")}
         with open(path + ".new", "w", encoding="utf-8") as f:
             json.dump(settings, f)
         os.replace(path + ".new", path)
