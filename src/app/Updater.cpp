@@ -14,6 +14,10 @@ Q_LOGGING_CATEGORY(lcUpdates, "mosswick.updates", QtInfoMsg)
 Updater* currentUpdater = nullptr;
 
 QString failure(const QString& why) { return QStringLiteral("Couldn't update Mosswick: %1").arg(why); }
+
+QString updatedTo(const UpdateVersion& version) {
+    return QStringLiteral("Mosswick was updated to %1 and restarts now.").arg(version.toString());
+}
 }  // namespace
 
 Updater::Updater(Configuration configuration, UpdateTransport& transport, UpdateInstallation& installation,
@@ -30,6 +34,10 @@ void Updater::setCurrent(Updater* updater) { currentUpdater = updater; }
 void Updater::checkForUpdates(Done done) {
     waiting_.push_back(std::move(done));
     if (waiting_.size() > 1) return;
+    if (installed_) {
+        finish({UpdateResult::Outcome::updated, updatedTo(*installed_)});
+        return;
+    }
     fetch(configuration_.feed, UpdateFeed::kLongestFeed, kFeedTimeout,
           [this](const QByteArray& feed) { feedArrived(feed); });
 }
@@ -85,9 +93,8 @@ void Updater::feedArrived(const QByteArray& feed) {
             finish({UpdateResult::Outcome::failed, failure(error)});
             return;
         }
-        finish(
-            {UpdateResult::Outcome::updated,
-             QStringLiteral("Mosswick was updated to %1 and restarts now.").arg(offer->version.toString())});
+        installed_ = offer->version;
+        finish({UpdateResult::Outcome::updated, updatedTo(offer->version)});
         installation_.restart();
     });
 }
