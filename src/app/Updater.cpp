@@ -101,7 +101,7 @@ void Updater::feedArrived(const QByteArray& feed) {
 
 void Updater::finish(UpdateResult result) {
     timeout_.cancel();
-    // An automatic check has nobody to tell: its outcome is in the log only.
+    // Every outcome is logged: an automatic check has nobody else to tell.
     if (result.outcome == UpdateResult::Outcome::failed)
         qCWarning(lcUpdates).noquote() << result.message;
     else
