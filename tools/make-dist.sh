@@ -1,14 +1,18 @@
 #!/usr/bin/env bash
-# make-dist.sh BUILD OUT VERSION: OUT/mosswick-VERSION-ARCH.tar.gz, a copy of Mosswick that installs
-# into the user's home without root. It holds what `make install` installs (the binary stripped)
-# the libraries beyond Debian 12's Qt 6 (libsodium, in lib/) and install.sh.
+# make-dist.sh BUILD OUT VERSION [BINARY]: OUT/mosswick-VERSION-ARCH.tar.gz, a copy of Mosswick that
+# installs into the user's home without root. It holds what `make install` installs (the binary
+# stripped) the libraries beyond Debian 12's Qt 6 (libsodium, in lib/) and install.sh. BINARY, when
+# given, is shipped as bin/mosswick instead of the build's own (the update test's builds).
 set -euo pipefail
-build=$1 out=$2 version=$3
+build=$1 out=$2 version=$3 binary=${4:-}
 arch=$(uname -m)
 name=mosswick-$version-$arch
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 DESTDIR= cmake --install "$build" --prefix "$stage/$name" --strip >/dev/null
+if [ -n "$binary" ]; then
+  strip -o "$stage/$name/bin/mosswick" "$binary"
+fi
 # Beyond Qt and the X libraries its xcb plugin needs: libsodium, found through the binary's RUNPATH.
 mkdir -p "$stage/$name/lib"
 for library in $(ldd "$stage/$name/bin/mosswick" | awk '/libsodium/ {print $3}'); do

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <unistd.h>
 
+#include "app/BuildSettings.h"
 #include "app/CommandLine.h"
 #include "platform/qt/SingleInstance.h"
 
@@ -89,7 +90,7 @@ std::optional<int> runCommandLine(int argc, char** argv) {
             print(stdout, CommandLine::helpText().toUtf8());
             return int(ExitCode::ok);
         case CommandLine::Invocation::Kind::version:
-            print(stdout, QByteArray("mosswick ").append(MOSSWICK_VERSION).append('\n'));
+            print(stdout, QByteArray("mosswick ").append(BuildSettings::version()).append('\n'));
             return int(ExitCode::ok);
         case CommandLine::Invocation::Kind::usageError:
             print(stderr, QByteArray("mosswick: ").append(invocation.error.toUtf8()).append('\n'));

@@ -8,7 +8,7 @@ class Preferences;
 class Scheduler;
 
 // The updater of a self-installed copy, with its backends. Made only when this build has an
-// update feed and key (MOSSWICK_UPDATE_FEED, MOSSWICK_UPDATE_PUBLIC_KEY) and runs from a copy
+// update feed and key (BuildSettings: MOSSWICK_UPDATE_FEED, MOSSWICK_UPDATE_PUBLIC_KEY) and runs from a copy
 // installed from its archive; a distribution's package is updated by its package manager.
 // While it lives, Updater::current() is its updater, following checkForUpdatesAutomatically.
 class SelfUpdate {

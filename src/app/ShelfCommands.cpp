@@ -194,7 +194,8 @@ void ShelfCommands::run(const std::vector<QByteArray>& arguments, Respond respon
             start(std::make_unique<AddRun>(*this, command.operands, std::move(respond)));
             return;
         case Verb::paste:
-            if (services_.addClipboardContents) services_.addClipboardContents();
+            if (!services_.addClipboardContents || !services_.addClipboardContents())
+                reply.err = errorLine("the clipboard holds nothing to add");
             break;
         case Verb::show:
             services_.controller.summon();

@@ -30,8 +30,8 @@ public:
         ShelfStore& store;
         ShelfWindowController& controller;
         IngestServices ingest;
-        // The clipboard import of the shortcut's double press.
-        std::function<void()> addClipboardContents;
+        // The clipboard import of the shortcut's double press; whether it added anything.
+        std::function<bool()> addClipboardContents;
         // A plain second launch: the re-open handler.
         std::function<void()> reopen;
         // Ends the application (after the reply is on its way).

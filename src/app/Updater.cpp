@@ -1,5 +1,6 @@
 #include "app/Updater.h"
 
+#include <QLoggingCategory>
 #include <variant>
 
 #include "app/UpdateFeed.h"
@@ -8,9 +9,15 @@
 namespace mosswick {
 
 namespace {
+Q_LOGGING_CATEGORY(lcUpdates, "mosswick.updates", QtInfoMsg)
+
 Updater* currentUpdater = nullptr;
 
 QString failure(const QString& why) { return QStringLiteral("Couldn't update Mosswick: %1").arg(why); }
+
+QString updatedTo(const UpdateVersion& version) {
+    return QStringLiteral("Mosswick was updated to %1 and restarts now.").arg(version.toString());
+}
 }  // namespace
 
 Updater::Updater(Configuration configuration, UpdateTransport& transport, UpdateInstallation& installation,
@@ -27,6 +34,10 @@ void Updater::setCurrent(Updater* updater) { currentUpdater = updater; }
 void Updater::checkForUpdates(Done done) {
     waiting_.push_back(std::move(done));
     if (waiting_.size() > 1) return;
+    if (installed_) {
+        finish({UpdateResult::Outcome::updated, updatedTo(*installed_)});
+        return;
+    }
     fetch(configuration_.feed, UpdateFeed::kLongestFeed, kFeedTimeout,
           [this](const QByteArray& feed) { feedArrived(feed); });
 }
@@ -82,15 +93,19 @@ void Updater::feedArrived(const QByteArray& feed) {
             finish({UpdateResult::Outcome::failed, failure(error)});
             return;
         }
-        finish(
-            {UpdateResult::Outcome::updated,
-             QStringLiteral("Mosswick was updated to %1 and restarts now.").arg(offer->version.toString())});
+        installed_ = offer->version;
+        finish({UpdateResult::Outcome::updated, updatedTo(offer->version)});
         installation_.restart();
     });
 }
 
 void Updater::finish(UpdateResult result) {
     timeout_.cancel();
+    // Every outcome is logged: an automatic check has nobody else to tell.
+    if (result.outcome == UpdateResult::Outcome::failed)
+        qCWarning(lcUpdates).noquote() << result.message;
+    else
+        qCInfo(lcUpdates).noquote() << result.message;
     std::vector<Done> waiting = std::exchange(waiting_, {});
     for (const Done& done : waiting)
         if (done) done(result);

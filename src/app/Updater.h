@@ -4,6 +4,7 @@
 #include <QString>
 #include <QUrl>
 #include <functional>
+#include <optional>
 
 #include "app/UpdateVersion.h"
 #include "settings/UpdateServices.h"
@@ -71,6 +72,9 @@ private:
     ScheduledTask timeout_;
     ScheduledTask nextAutomaticCheck_;
     int attempt_ = 0;  // tells a late answer from the current one
+    // The version installed and waiting for the restart: installing again would replace the old
+    // copy kept aside (mosswick.old) with the new one.
+    std::optional<UpdateVersion> installed_;
     bool automatic_ = false;
 };
 

@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "app/AppDelegate.h"
+#include "app/BuildSettings.h"
 #include "app/CommandClient.h"
 #include "app/DesktopBackends.h"
 #include "app/MenuBarIcon.h"
@@ -57,7 +58,7 @@ int main(int argc, char** argv) {
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Mosswick"));
-    QApplication::setApplicationVersion(QStringLiteral(MOSSWICK_VERSION));
+    QApplication::setApplicationVersion(QString::fromLatin1(BuildSettings::version()));
     QApplication::setDesktopFileName(QStringLiteral("mosswick"));
     QApplication::setQuitOnLastWindowClosed(false);
     // Without a desktop that names its icon theme (a bare window manager), the settings' icons
@@ -194,7 +195,8 @@ int main(int argc, char** argv) {
          [&appearance](AppearanceMode mode) { appearance.apply(mode); }, desktop.sleepWatch(),
          [&statusBar](bool visible) { statusBar.setVisible(visible); }});
     commands = std::make_unique<ShelfCommands>(ShelfCommands::Services{
-        store, controller, ingest, addClipboardContents,
+        store, controller, ingest,
+        [&clipboardImport] { return ClipboardImport::addContentsOfClipboard(clipboardImport); },
         [&delegate] { delegate.applicationShouldHandleReopen(); }, [] { QCoreApplication::quit(); }});
     QObject::connect(&app, &QCoreApplication::aboutToQuit, [&] { delegate.applicationWillTerminate(); });
 #if QT_CONFIG(sessionmanager)

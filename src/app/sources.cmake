@@ -16,6 +16,7 @@ set(MOSSWICK_APP_VIEW_SOURCES
 # The wiring: the one place that chooses the desktop's backends and hands them to the logic.
 # Built into the executable only.
 set(MOSSWICK_APP_WIRING_SOURCES
+  BuildSettings.h BuildSettings.cpp
   CommandClient.h CommandClient.cpp
   SelfUpdate.h SelfUpdate.cpp
   DesktopBackends.h DesktopBackends.cpp

@@ -238,6 +238,20 @@ TEST(Updater, InstallsOnlyAVerifiedLaterReleaseAndSaysWhatHappened) {
         EXPECT_EQ(installation.installed,
                   verified ? std::vector<QByteArray>{archive} : std::vector<QByteArray>{});
         EXPECT_EQ(installation.restarts, c.outcome == Outcome::updated ? 1 : 0);
+
+        // A further check ends the same way; after an update, until the restart, without asking
+        // the server or installing again (that would put the new copy where the old one is kept).
+        heard.clear();
+        const std::size_t asked = server.asked.size(), installs = installation.installed.size();
+        updater.checkForUpdates([&](UpdateResult r) { heard.push_back(r); });
+        clock.advance(Updater::kArchiveTimeout + 1);
+        ASSERT_EQ(heard.size(), 1u);
+        EXPECT_EQ(heard[0].message, c.message);
+        if (c.outcome == Outcome::updated) {
+            EXPECT_EQ(server.asked.size(), asked);
+            EXPECT_EQ(installation.installed.size(), installs);
+            EXPECT_EQ(installation.restarts, 1);
+        }
     }
 }
 

@@ -2,7 +2,11 @@
 batch (and starts a shelf when none runs), names a missing path on standard error while the rest
 still go on, keeps a name that is not UTF-8 byte for byte; `list --json` reads back what was added
 and `remove` takes an item away by its ID; `clear` then `restore` brings the items back; `quit`
-writes the shelf out before the process ends, within the save's delay.
+writes the shelf out before the process ends, within the save's delay. `paste` puts the
+clipboard's files and text on the shelf byte for byte (and says so when it holds nothing);
+`show`, `hide` and `toggle` map and unmap the shelf's window, also when no shelf runs yet (then
+`show` and `toggle` start one, `hide` does nothing, and without a display the command says it
+could not start one).
 
 Each case has fresh user folders; a shelf a command started itself is ended with `quit`."""
 
@@ -13,7 +17,7 @@ import subprocess
 
 from desktop import Cases, skip_unless_available
 from desktop.files import read_bytes
-from desktop.mosswick import Shelf, saved_items
+from desktop.mosswick import Shelf, running_copies, saved_items
 from desktop.programs import mosswick_binary
 
 skip_unless_available(mosswick=True, peer=False)
@@ -128,6 +132,74 @@ def clear_then_restore_brings_the_items_back(d):
     assert sorted(item["id"] for item in listed(d)) == before
     code, _, err = cli(d, "restore")
     assert code == 1 and err == b"mosswick: nothing to restore\n", (code, err)
+
+
+@cases.case
+def paste_adds_the_clipboards_files_and_text_byte_for_byte(d):
+    shelf = Shelf(d)
+    named = {"naïve café.bin".encode(): bytes(range(256)) * 4, b"plain.txt": b"two lines\nof text\n"}
+    top = folder(d, named)
+    contents = {os.path.join(top, name): data for name, data in named.items()}
+    owner = d.start_peer("clipboard", "--files", *contents)
+    d.wait_output(owner, "ready")
+    assert cli(d, "paste") == (0, b"", b"")
+    shelf.window()  # pasting brings the shelf up, as the double press does
+    items = staged(d, 2)
+    assert sorted(read_bytes(path_bytes(item, "stagedPath")) for item in items) == sorted(contents.values()), items
+    assert sorted(path_bytes(item, "originalPath") for item in items) == sorted(contents), items
+    owner.stop()
+
+    text = "Grüße aus Köln ✓\nzweite Zeile"
+    owner = d.start_peer("clipboard", "--text", text)
+    d.wait_output(owner, "ready")
+    assert cli(d, "paste") == (0, b"", b"")
+    [clipping] = [item for item in staged(d, 3) if item["id"] not in {i["id"] for i in items}]
+    assert read_bytes(path_bytes(clipping, "stagedPath")) == text.encode(), clipping
+    owner.stop()
+
+    # Nobody owns the clipboard any more: nothing to add, and the caller hears so.
+    assert cli(d, "paste") == (1, b"", b"mosswick: the clipboard holds nothing to add\n")
+    assert len(listed(d)) == 3
+
+
+@cases.case
+def show_hide_and_toggle_map_and_unmap_the_shelf(d):
+    shelf = Shelf(d)
+    d.move(5, 5)  # a shelf under the pointer lingers
+    assert not shelf.visible()
+    for verb, shown in [("show", True), ("show", True), ("hide", False), ("hide", False), ("toggle", True),
+                        ("toggle", False)]:
+        assert cli(d, verb) == (0, b"", b""), verb
+        if shown:
+            shelf.window()
+        else:
+            shelf.wait_hidden()
+        print(f"ok: {verb} leaves the shelf {'up' if shown else 'away'}")
+
+
+@cases.case
+def show_and_toggle_start_a_shelf_when_none_runs(d):
+    d.move(5, 5)
+    binary = mosswick_binary()
+    try:
+        assert cli(d, "hide") == (0, b"", b"")
+        assert running_copies(binary) == [], "hide started a shelf"
+        for verb in ("show", "toggle"):
+            assert cli(d, verb) == (0, b"", b""), verb
+            [pid] = running_copies(binary)
+            d.wait_mapped(pid)  # started, and shown
+            assert cli(d, "quit")[0] == 0
+            d.wait_for(lambda: not running_copies(binary), 10, "the started shelf to quit")
+            print(f"ok: {verb} with no shelf running starts one and shows it")
+    finally:
+        cli(d, "quit")
+
+    # No display to start one on: said so, with the exit code the manual gives.
+    env = {key: value for key, value in d.env.items() if key != "DISPLAY"}
+    done = subprocess.run([binary, "show"], env=env, capture_output=True, timeout=60)
+    assert (done.returncode, done.stdout, done.stderr) == \
+        (3, b"", b"mosswick: could not reach or start the shelf\n"), done
+    assert running_copies(binary) == []
 
 
 cases.run()

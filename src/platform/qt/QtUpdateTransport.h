@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QNetworkAccessManager>
+#include <QSslCertificate>
 
 #include "settings/UpdateServices.h"
 
@@ -12,10 +14,15 @@ class QtUpdateTransport final : public UpdateTransport {
 public:
     static constexpr int kStallTimeoutMs = 30000;
 
+    // `extraAuthorities` are trusted besides the system's certificate authorities: only the update
+    // test's builds pass any (the self-signed certificate of its local server).
+    explicit QtUpdateTransport(QList<QSslCertificate> extraAuthorities = {});
+
     void fetch(const QUrl& url, qint64 maxBytes, std::function<void(Result)> done) override;
 
 private:
     QNetworkAccessManager network_;
+    QList<QSslCertificate> extraAuthorities_;
 };
 
 }  // namespace mosswick

@@ -20,8 +20,8 @@ The modules, by subject: core (Desktop: lifetime, output, starting, waiting), se
 session and sandboxed user folders), input (pointer, keys, drags), windows (windows, screenshots,
 pixels), programs (the binaries under test, skipping), xarchiver, browser (Chromium), filemanager
 (Thunar), process (Program), files (test files, PNGs), peers (drags between two peers), mosswick
-(its files and the Shelf), watch (the watcher's record of the shelf), cases (named, independent
-cases on one desktop).
+(its files and the Shelf), signing (Ed25519 keys and the update test's settings), watch (the
+watcher's record of the shelf), cases (named, independent cases on one desktop).
 """
 
 from .cases import Cases

@@ -71,6 +71,19 @@ def wakeups(program, seconds):
     return count() - before
 
 
+def running_copies(binary):
+    """Process ids of the programs running `binary` (an absolute path): a Mosswick that is no child
+    of the test's (started by a command, a desktop launcher or an update) is found this way."""
+    binary, found = os.path.realpath(binary), []
+    for entry in os.listdir("/proc"):
+        try:
+            if entry.isdigit() and os.readlink(f"/proc/{entry}/exe") == binary:
+                found.append(int(entry))
+        except OSError:
+            pass  # gone meanwhile, or not ours to look at
+    return found
+
+
 class Shelf:
     """A running Mosswick, started with the settings given, and its shelf window."""
 
