@@ -65,10 +65,11 @@ DesktopBackends DesktopBackends::forThisSession() {
     else
         grab = std::make_unique<DummyHotKeyService>();
     if (isWayland(backends.session_) && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
-        // A portal that binds nothing leaves the grab, which hears at least keys typed into X windows.
+        // A portal that cannot bind (it binds nothing, or fails) leaves the grab, which hears at least
+        // keys typed into X windows. The user's own no in the portal's dialog is kept.
         auto portal = std::make_unique<FallbackHotKeyService>(
             std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared()),
-            std::move(grab), PortalGlobalShortcuts::kBoundNothing);
+            std::move(grab), [](qint32 status) { return status != PortalGlobalShortcuts::kCancelledByUser; });
         backends.portal_ = portal.get();
         backends.hotKeys_ = std::move(portal);
     } else {

@@ -5,8 +5,9 @@
 namespace mosswick {
 
 FallbackHotKeyService::FallbackHotKeyService(std::unique_ptr<HotKeyService> preferred,
-                                             std::unique_ptr<HotKeyService> fallback, qint32 fallBackOn)
-    : preferred_(std::move(preferred)), fallback_(std::move(fallback)), fallBackOn_(fallBackOn) {}
+                                             std::unique_ptr<HotKeyService> fallback,
+                                             std::function<bool(qint32)> fallsBack)
+    : preferred_(std::move(preferred)), fallback_(std::move(fallback)), fallsBack_(std::move(fallsBack)) {}
 
 FallbackHotKeyService::~FallbackHotKeyService() {
     for (const Entry& entry : entries_)
@@ -26,7 +27,12 @@ void FallbackHotKeyService::installHandler(EventHandler events, FailureHandler l
 }
 
 HotKeyService::Registration FallbackHotKeyService::registerHotKey(const KeyCombo& combo) {
-    const Registration registration = current().registerHotKey(combo);
+    Registration registration = current().registerHotKey(combo);
+    if (!registration.handle && usesPreferred_ && fallsBack_(registration.status)) {
+        usesPreferred_ = false;
+        onFallBack();
+        registration = fallback_->registerHotKey(combo);
+    }
     if (!registration.handle) return registration;
     entries_.push_back({++lastHandle_, *registration.handle, usesPreferred_, combo});
     return {lastHandle_, 0};
@@ -44,7 +50,7 @@ void FallbackHotKeyService::preferredRefused(Handle inner, qint32 status) {
     const auto entry = std::find_if(entries_.begin(), entries_.end(),
                                     [inner](const Entry& e) { return e.preferred && e.inner == inner; });
     if (entry == entries_.end()) return;
-    if (status != fallBackOn_) {
+    if (!fallsBack_(status)) {
         const Handle outer = entry->outer;
         entries_.erase(entry);
         if (lateFailures_) lateFailures_(outer, status);

@@ -9,13 +9,13 @@
 namespace mosswick {
 
 // One shortcut service that prefers the desktop's way of holding a key and falls back to
-// another for good once the desktop turns out unable to (its late refusal with `fallBackOn` as
-// the status): the combo is registered again on the fallback and the manager keeps its handle,
-// never hearing of the switch. Any other refusal passes through. Main thread only.
+// another for good once the desktop turns out unable to (a refusal, at once or late, whose status
+// `fallsBack` accepts): the combo is registered again on the fallback and the manager keeps its
+// handle, never hearing of the switch. Any other refusal passes through. Main thread only.
 class FallbackHotKeyService final : public HotKeyService {
 public:
     FallbackHotKeyService(std::unique_ptr<HotKeyService> preferred, std::unique_ptr<HotKeyService> fallback,
-                          qint32 fallBackOn);
+                          std::function<bool(qint32 status)> fallsBack);
     ~FallbackHotKeyService() override;
 
     void installHandler(EventHandler events, FailureHandler lateFailures) override;
@@ -40,7 +40,7 @@ private:
 
     std::unique_ptr<HotKeyService> preferred_;
     std::unique_ptr<HotKeyService> fallback_;
-    qint32 fallBackOn_;
+    std::function<bool(qint32)> fallsBack_;
     bool usesPreferred_ = true;
     EventHandler events_;
     FailureHandler lateFailures_;

@@ -189,6 +189,7 @@ namespace {
 class FallbackHotKeys : public ::testing::Test {
 protected:
     static constexpr qint32 kBoundNothing = 3;
+    static constexpr qint32 kFailedAtOnce = 2;
 
     FallbackHotKeys() {
         auto preferredService = std::make_unique<RecordingHotKeyService>();
@@ -196,7 +197,8 @@ protected:
         preferred = preferredService.get();
         fallback = fallbackService.get();
         service = std::make_unique<mosswick::FallbackHotKeyService>(
-            std::move(preferredService), std::move(fallbackService), kBoundNothing);
+            std::move(preferredService), std::move(fallbackService),
+            [](qint32 status) { return status == kBoundNothing || status == kFailedAtOnce; });
         service->onFallBack = [this] { ++fallBacks; };
         manager = std::make_unique<HotKeyManager>(*service, clock, store);
         manager->onToggle = [this] { ++toggles; };
@@ -239,6 +241,15 @@ TEST_F(FallbackHotKeys, ADesktopThatBindsNothingHandsTheKeyToTheFallbackForGood)
     manager->registerCombo(std::nullopt);
     EXPECT_TRUE(fallback->registered.empty());
     EXPECT_EQ(fallBacks, 1);
+}
+
+TEST_F(FallbackHotKeys, APreferredServiceThatFailsAtOnceAlsoHandsOver) {
+    preferred->refuseWith = kFailedAtOnce;
+    manager->registerCombo(kCtrlAltSpace);
+    EXPECT_TRUE(manager->isRegistered());
+    EXPECT_EQ(fallBacks, 1);
+    ASSERT_EQ(fallback->registered.size(), 1u);
+    EXPECT_EQ(fallback->registered.front().second, kCtrlAltSpace);
 }
 
 TEST_F(FallbackHotKeys, OtherRefusalsReachTheManager) {

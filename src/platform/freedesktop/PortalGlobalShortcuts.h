@@ -29,6 +29,8 @@ public:
     // The late refusal's status when the desktop said yes but bound no shortcut: the portal
     // cannot hold the key for this program at all.
     static constexpr qint32 kBoundNothing = 3;
+    // The portal's response code when the user turned the binding down.
+    static constexpr qint32 kCancelledByUser = 1;
 
     // Whether the desktop offers the portal on `bus`; asks it, waiting up to a second.
     static bool isAvailable(const QDBusConnection& bus);
