@@ -41,9 +41,11 @@ packages=(
   xdg-utils file
   # Wayland sessions run headless for the desktop tests: mutter and KWin with XWayland, a
   # Wayland-native GTK drag source (Python GObject), KWin's fake-input protocol for the pointer
-  # injector built by the tests, and the settings stores the shortcut button writes into
+  # injector built by the tests, and the settings stores the shortcut button writes into (gsettings
+  # over dconf's service; KDE's kwriteconfig5 and the kglobalaccel5 that runs the command)
   mutter kwin-wayland xwayland gir1.2-gtk-3.0 libwayland-dev plasma-wayland-protocols dconf-cli
   gsettings-desktop-schemas gnome-settings-daemon-common libkf5config-bin
+  libglib2.0-bin dconf-service dconf-gsettings-backend libkf5globalaccel-bin
 )
 
 missing=()

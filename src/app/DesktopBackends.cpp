@@ -10,6 +10,8 @@
 #include "platform/freedesktop/DesktopAnimationSetting.h"
 #include "platform/freedesktop/DesktopEntries.h"
 #include "platform/freedesktop/FileManagerWorkspace.h"
+#include "platform/freedesktop/GnomeCustomShortcut.h"
+#include "platform/freedesktop/KdeGlobalShortcut.h"
 #include "platform/freedesktop/LogindSleepWatch.h"
 #include "platform/freedesktop/PortalColorScheme.h"
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
@@ -28,17 +30,9 @@
 #include "shelf/PanelWindowHints.h"
 #include "triggers/DummyDesktopProbe.h"
 #include "triggers/DummyHotKeyService.h"
+#include "triggers/FallbackHotKeyService.h"
 
 namespace mosswick {
-
-namespace {
-
-bool isWaylandSession() {
-    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
-           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-}
-
-}  // namespace
 
 DesktopBackends::DesktopBackends() = default;
 DesktopBackends::DesktopBackends(DesktopBackends&&) noexcept = default;
@@ -65,15 +59,30 @@ DesktopBackends DesktopBackends::forThisSession() {
     }
     if (!backends.probe_) backends.probe_ = std::make_unique<DummyDesktopProbe>();
 
-    if (isWaylandSession() && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
-        backends.hotKeys_ =
-            std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared());
-        backends.portalOwnsShortcut_ = true;
-    } else if (backends.x11_) {
-        backends.hotKeys_ = std::make_unique<X11HotKeyService>(*backends.x11_);
+    backends.session_ = detectDesktopSession();
+    std::unique_ptr<HotKeyService> grab;
+    if (backends.x11_)
+        grab = std::make_unique<X11HotKeyService>(*backends.x11_);
+    else
+        grab = std::make_unique<DummyHotKeyService>();
+    if (isWayland(backends.session_) && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
+        // A portal that cannot bind (it binds nothing, or fails) leaves the grab, which hears at least
+        // keys typed into X windows. The user's own no in the portal's dialog is kept.
+        auto portal = std::make_unique<FallbackHotKeyService>(
+            std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared()),
+            std::move(grab), [](qint32 status) { return status != PortalGlobalShortcuts::kCancelledByUser; });
+        backends.portal_ = portal.get();
+        backends.hotKeys_ = std::move(portal);
     } else {
-        backends.hotKeys_ = std::make_unique<DummyHotKeyService>();
+        backends.hotKeys_ = std::move(grab);
     }
+    // Where no grab reaches other programs' keys, the desktop's own keyboard settings can run us.
+    if (backends.session_ == DesktopSession::GnomeWayland)
+        backends.desktopShortcuts_ = std::make_unique<GnomeCustomShortcut>(KeyboardLayout::shared());
+    else if (backends.session_ == DesktopSession::KdeWayland)
+        backends.desktopShortcuts_ =
+            std::make_unique<KdeGlobalShortcut>(QDBusConnection::sessionBus(), KeyboardLayout::shared(),
+                                                KdeGlobalShortcut::defaultApplicationsFolder());
 
     if (backends.x11_) {
         backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
@@ -116,6 +125,8 @@ void DesktopBackends::followTrayTextColor(std::function<void(std::optional<QColo
     trayColors_ = std::make_unique<X11TrayColors>(*x11_, changed);
     changed(trayColors_->textColor());
 }
+
+bool DesktopBackends::portalOwnsShortcut() const { return portal_ && portal_->usesPreferred(); }
 
 InstalledApplications& DesktopBackends::installedApplications() { return *installedApplications_; }
 ApplicationCatalog& DesktopBackends::applicationCatalog() { return *installedApplications_; }

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "shelf/ShelfDropIngestHandler.h"
+#include "triggers/DesktopSession.h"
 
 namespace mosswick {
 
@@ -15,6 +16,8 @@ class DragTypeOverride;
 class DesktopMotionSetting;
 class DisplayEnvironment;
 class DesktopProbe;
+class DesktopShortcutStore;
+class FallbackHotKeyService;
 class HotKeyService;
 class ApplicationCatalog;
 class DesktopEntries;
@@ -42,8 +45,12 @@ public:
     DesktopMotionSetting& desktopMotion() { return *desktopMotion_; }
     DesktopProbe& probe() { return *probe_; }
     HotKeyService& hotKeys() { return *hotKeys_; }
-    // Whether the desktop's portal, not an X11 grab, holds the shortcut (and asks the user itself).
-    bool portalOwnsShortcut() const { return portalOwnsShortcut_; }
+    // Whether the desktop's portal, not an X11 grab, holds the shortcut (and asks the user itself);
+    // false once the portal turned out to bind nothing.
+    bool portalOwnsShortcut() const;
+    DesktopSession session() const { return session_; }
+    // The desktop's own keyboard settings, on Wayland sessions of GNOME and KDE; null elsewhere.
+    DesktopShortcutStore* desktopShortcuts() { return desktopShortcuts_.get(); }
     PanelWindowHints& panelHints() { return *panelHints_; }
     // How a drop's data is read: through Qt, with files promised over X Direct Save on X11.
     ShelfDropIngestHandler::PasteboardFactory dropPasteboards();
@@ -76,7 +83,9 @@ private:
     std::unique_ptr<DesktopProbe> probe_;
     std::unique_ptr<KeyboardLayout> layout_;
     std::unique_ptr<HotKeyService> hotKeys_;
-    bool portalOwnsShortcut_ = false;
+    DesktopSession session_ = DesktopSession::X11;
+    FallbackHotKeyService* portal_ = nullptr;
+    std::unique_ptr<DesktopShortcutStore> desktopShortcuts_;
     std::unique_ptr<PanelWindowHints> panelHints_;
     std::unique_ptr<X11DirectSaveReceiver> directSave_;
     std::unique_ptr<DragTypeOverride> dragTypes_;

@@ -36,6 +36,7 @@
 #include "platform/qt/SingleInstance.h"
 #include "platform/qt/ThemeWorkspaceIcons.h"
 #include "platform/qt/UnixSignalQuit.h"
+#include "settings/DesktopShortcut.h"
 #include "settings/SettingsWindow.h"
 #include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanelFactory.h"
@@ -148,6 +149,10 @@ int main(int argc, char** argv) {
     };
 
     const std::unique_ptr<LoginItem> loginItem = DesktopBackends::makeLoginItem(defaults);
+    DesktopShortcutOffer desktopShortcut(
+        desktop.session(), desktop.desktopShortcuts(),
+        [&desktop, &hotKeys] { return desktop.portalOwnsShortcut() && hotKeys.isRegistered(); },
+        XdgAutostartEntry::installedExecutable());
     // One settings window for the run, made when first asked for.
     std::unique_ptr<SettingsWindow> settingsWindow;
     const auto showSettings = [&] {
@@ -163,7 +168,8 @@ int main(int argc, char** argv) {
                     ? QStringLiteral(
                           "Your desktop keeps this shortcut: it asks you to confirm a new one in its "
                           "own window, and its keyboard settings can change it too.")
-                    : QString()});
+                    : QString(),
+                &desktopShortcut});
         settingsWindow->show();
         qCDebug(lcSettings) << "settings window shown in" << opening.elapsed() << "ms";
     };

@@ -21,6 +21,8 @@
 
 #include "model/DefaultsStore.h"
 #include "model/Preferences.h"
+#include "triggers/HotKeyManager.h"
+#include "settings/DesktopShortcut.h"
 #include "settings/IgnoredApplicationsView.h"
 #include "settings/PaneState.h"
 #include "settings/ShortcutRecorderView.h"
@@ -416,6 +418,36 @@ QWidget* SettingsWindow::behaviorPane() {
                        "to add the clipboard's contents."));
     form.addHint(QStringLiteral("On many laptop keyboards, F-keys need Fn held down unless Fn Lock is on."));
     if (!services_.shortcutNote.isEmpty()) form.addHint(services_.shortcutNote);
+    if (DesktopShortcutOffer* offer = services_.desktopShortcut) {
+        auto* add = new QPushButton(offer->buttonTitle());
+        add->setObjectName(QStringLiteral("addDesktopShortcut"));
+        auto* row = new QHBoxLayout;
+        row->addWidget(add);
+        row->addStretch();
+        auto* box = new QWidget;
+        box->setObjectName(QStringLiteral("desktopShortcut"));
+        auto* column = new QVBoxLayout(box);
+        column->setContentsMargins(0, 8, 0, 0);
+        column->setSpacing(4);
+        column->addLayout(row);
+        column->addWidget(hint(offer->explanation()));
+        auto* result = hint(QString());
+        result->setObjectName(QStringLiteral("desktopShortcutResult"));
+        result->setForegroundRole(QPalette::WindowText);
+        column->addWidget(result);
+        form.add(box);
+        result->hide();
+        connect(add, &QPushButton::clicked, this, [this, offer, result] {
+            // The shortcut may have changed since the window last synced: the one held now counts.
+            if (const std::optional<KeyCombo> combo = services_.hotKeys.combo())
+                offer->add(*combo);
+            else
+                offer->noShortcut();
+            result->setText(offer->result());
+            result->setVisible(!offer->result().isEmpty());
+        });
+        syncs_.push_back([offer, box] { box->setVisible(offer->isOffered()); });
+    }
     form.addGap();
 
     auto* ignored = new IgnoredApplicationsView(prefs, services_.applications);

@@ -15,6 +15,7 @@ class QStackedWidget;
 namespace mosswick {
 
 class ApplicationCatalog;
+class DesktopShortcutOffer;
 class DefaultsStore;
 class HotKeyManager;
 class IgnoredApplicationsView;
@@ -43,6 +44,9 @@ public:
         // Said under the recorder where the desktop, not Mosswick, has the last word on the
         // shortcut (the GlobalShortcuts portal on Wayland shows its own dialog).
         QString shortcutNote = {};
+        // Where no program can hold a key (Wayland), the offer to put the shortcut into the
+        // desktop's own keyboard settings; none elsewhere.
+        DesktopShortcutOffer* desktopShortcut = nullptr;
     };
 
     static inline const QString kLegacyMaterialKey = QStringLiteral("useLegacyMaterial");

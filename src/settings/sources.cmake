@@ -5,6 +5,7 @@ set(MOSSWICK_SETTINGS_SOURCES
   PaneState.h PaneState.cpp
   ShortcutRecorder.h ShortcutRecorder.cpp
   LoginItem.h LoginItem.cpp
+  DesktopShortcut.h DesktopShortcut.cpp
   ApplicationCatalog.h ApplicationCatalog.cpp
 )
 # The window itself.

@@ -38,6 +38,16 @@ std::optional<QString> special(quint16 keyCode) {
     return std::nullopt;
 }
 
+std::optional<QString> symbol(quint16 keyCode, const KeyboardLayout& layout) {
+    if (const std::optional<quint32> evdev = EvdevKeyCodes::toEvdev(keyCode))
+        if (std::optional<QString> named = layout.symbolName(*evdev); named && !named->isEmpty())
+            return named;
+    const QString fixed = special(keyCode).value_or(QString());
+    if (fixed == QLatin1String("Space")) return QStringLiteral("space");
+    if (fixed.startsWith(u'F') && fixed.size() > 1 && fixed.at(1).isDigit()) return fixed;
+    return std::nullopt;
+}
+
 QString name(quint16 keyCode) { return name(keyCode, KeyboardLayout::shared()); }
 
 QString name(quint16 keyCode, const KeyboardLayout& layout) {

@@ -17,6 +17,10 @@ QString name(quint16 keyCode, const KeyboardLayout& layout);
 // The fixed names, consulted first.
 std::optional<QString> special(quint16 keyCode);
 
+// The key's symbol name as desktop shortcut settings spell it ("a", "F5", "space", "Return"):
+// the layout's, else the function keys' and Space's, which no layout renames; none otherwise.
+std::optional<QString> symbol(quint16 keyCode, const KeyboardLayout& layout);
+
 }  // namespace KeyCodeNames
 
 }  // namespace mosswick

@@ -3,6 +3,7 @@
 set(MOSSWICK_TRIGGERS_SOURCES
   DesktopProbe.h
   DesktopSession.h DesktopSession.cpp
+  FallbackHotKeyService.h FallbackHotKeyService.cpp
   DummyDesktopProbe.h
   DragMonitor.h DragMonitor.cpp
   InstalledApplications.h

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QStringList>
+#include <memory>
 #include <vector>
 
 #include "model/DefaultsStore.h"
+#include "triggers/FallbackHotKeyService.h"
 #include "triggers/HotKeyManager.h"
 #include "triggers/SystemLog.h"
 #include "support/ManualScheduler.h"
@@ -176,6 +178,86 @@ TEST_F(HotKeyManagerTest, UnregisteringAtQuitKeepsTheStoredShortcut) {
     EXPECT_TRUE(service.registered.empty());
     EXPECT_EQ(KeyCombo::load(store), kCtrlAltSpace);
     EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+// The portal-then-grab pair: a desktop that binds nothing moves the shortcut to the grab for good,
+// and the manager keeps working without noticing; any other refusal still reaches it.
+class FallbackHotKeys : public ::testing::Test {
+protected:
+    static constexpr qint32 kBoundNothing = 3;
+    static constexpr qint32 kFailedAtOnce = 2;
+
+    FallbackHotKeys() {
+        auto preferredService = std::make_unique<RecordingHotKeyService>();
+        auto fallbackService = std::make_unique<RecordingHotKeyService>();
+        preferred = preferredService.get();
+        fallback = fallbackService.get();
+        service = std::make_unique<mosswick::FallbackHotKeyService>(
+            std::move(preferredService), std::move(fallbackService),
+            [](qint32 status) { return status == kBoundNothing || status == kFailedAtOnce; });
+        service->onFallBack = [this] { ++fallBacks; };
+        manager = std::make_unique<HotKeyManager>(*service, clock, store);
+        manager->onToggle = [this] { ++toggles; };
+        manager->onLateRefusal = [this](const KeyCombo& combo) { refused.push_back(combo); };
+    }
+
+    ManualScheduler clock;
+    MemoryDefaultsStore store;
+    RecordingHotKeyService* preferred;
+    RecordingHotKeyService* fallback;
+    std::unique_ptr<mosswick::FallbackHotKeyService> service;
+    std::unique_ptr<HotKeyManager> manager;
+    int fallBacks = 0;
+    int toggles = 0;
+    std::vector<KeyCombo> refused;
+};
+
+TEST_F(FallbackHotKeys, ADesktopThatBindsNothingHandsTheKeyToTheFallbackForGood) {
+    manager->registerCombo(kCtrlAltSpace);
+    ASSERT_EQ(preferred->registered.size(), 1u);
+    preferred->refuseLater(preferred->registered.front().first, kBoundNothing);
+
+    EXPECT_FALSE(service->usesPreferred());
+    EXPECT_EQ(fallBacks, 1);
+    EXPECT_TRUE(refused.empty());
+    EXPECT_TRUE(manager->isRegistered());
+    ASSERT_EQ(fallback->registered.size(), 1u);
+    EXPECT_EQ(fallback->registered.front().second, kCtrlAltSpace);
+
+    fallback->send(HotKeyService::Event::pressed);
+    fallback->send(HotKeyService::Event::released);
+    clock.advance(1);
+    EXPECT_EQ(toggles, 1);
+
+    // The next shortcut goes straight to the fallback, and the old grab is let go.
+    manager->registerCombo(KeyCombo{96, 0});
+    ASSERT_EQ(fallback->registered.size(), 1u);
+    EXPECT_EQ(fallback->registered.front().second, (KeyCombo{96, 0}));
+    EXPECT_EQ(preferred->registered.size(), 1u);  // only the first, never asked again
+    manager->registerCombo(std::nullopt);
+    EXPECT_TRUE(fallback->registered.empty());
+    EXPECT_EQ(fallBacks, 1);
+}
+
+TEST_F(FallbackHotKeys, APreferredServiceThatFailsAtOnceAlsoHandsOver) {
+    preferred->refuseWith = kFailedAtOnce;
+    manager->registerCombo(kCtrlAltSpace);
+    EXPECT_TRUE(manager->isRegistered());
+    EXPECT_EQ(fallBacks, 1);
+    ASSERT_EQ(fallback->registered.size(), 1u);
+    EXPECT_EQ(fallback->registered.front().second, kCtrlAltSpace);
+}
+
+TEST_F(FallbackHotKeys, OtherRefusalsReachTheManager) {
+    manager->registerCombo(kCtrlAltSpace);
+    preferred->refuseLater(preferred->registered.front().first, 1);  // cancelled by the user
+    EXPECT_TRUE(service->usesPreferred());
+    EXPECT_EQ(refused, std::vector<KeyCombo>{kCtrlAltSpace});
+    EXPECT_FALSE(manager->isRegistered());
 }
 
 }  // namespace

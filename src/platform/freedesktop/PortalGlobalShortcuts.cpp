@@ -8,9 +8,9 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QLoggingCategory>
+#include <algorithm>
 
 #include "platform/freedesktop/DesktopPortal.h"
-#include "triggers/EvdevKeyCodes.h"
 #include "triggers/KeyCodeNames.h"
 #include "triggers/KeyboardLayout.h"
 
@@ -60,6 +60,13 @@ QString pathText(const QVariant& value) {
     return value.toString();
 }
 
+bool listsShortcut(const QVariant& shortcuts, const QString& id) {
+    if (!shortcuts.canConvert<QDBusArgument>()) return false;
+    const QList<PortalShortcut> list = qdbus_cast<QList<PortalShortcut>>(shortcuts.value<QDBusArgument>());
+    return std::any_of(list.begin(), list.end(),
+                       [&id](const PortalShortcut& entry) { return entry.id == id; });
+}
+
 }  // namespace
 
 bool PortalGlobalShortcuts::isAvailable(const QDBusConnection& bus) {
@@ -96,17 +103,7 @@ void PortalGlobalShortcuts::installHandler(EventHandler events, FailureHandler l
 }
 
 QString PortalGlobalShortcuts::preferredTrigger(const KeyCombo& combo) const {
-    QString key;
-    if (const std::optional<quint32> evdev = EvdevKeyCodes::toEvdev(combo.keyCode))
-        key = layout_.symbolName(*evdev).value_or(QString());
-    // Without a layout to ask, function keys and Space are still spelled the same everywhere.
-    if (key.isEmpty()) {
-        const QString fixed = KeyCodeNames::special(combo.keyCode).value_or(QString());
-        if (fixed == QLatin1String("Space"))
-            key = QStringLiteral("space");
-        else if (fixed.startsWith(u'F') && fixed.size() > 1 && fixed.at(1).isDigit())
-            key = fixed;
-    }
+    const QString key = KeyCodeNames::symbol(combo.keyCode, layout_).value_or(QString());
     if (key.isEmpty()) return {};
     QString trigger;
     if (combo.modifierFlags & KeyCombo::kControl) trigger += QStringLiteral("CTRL+");
@@ -204,6 +201,13 @@ void PortalGlobalShortcuts::requestAnswered(const QDBusMessage& message) {
             return;
         }
         bind(*binding);
+        return;
+    }
+    // A desktop may answer "done" having bound nothing (KDE's portal, for a program outside a
+    // sandbox): the key would never arrive, so that is a refusal too.
+    if (!listsShortcut(results.value(QStringLiteral("shortcuts")), kShortcutId)) {
+        qCInfo(lcPortal) << "the shortcuts portal bound nothing";
+        fail(binding->handle, kBoundNothing);
         return;
     }
     binding->stage = Stage::bound;

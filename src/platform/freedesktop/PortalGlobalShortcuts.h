@@ -19,13 +19,18 @@ class KeyboardLayout;
 // a portal session holding one shortcut, with the combo as its preferred trigger; the desktop may
 // let the user pick another. The portal answers later, so registerHotKey() hands out a handle at
 // once and a refusal arrives through the late-failure handler, with the portal's response code
-// as its status (1 cancelled by the user, 2 otherwise). Activated and Deactivated are the key
-// going down and up.
+// as its status (1 cancelled by the user, 2 otherwise), or kBoundNothing when the desktop
+// answered without binding the shortcut. Activated and Deactivated are the key going down and up.
 class PortalGlobalShortcuts final : public QObject, public HotKeyService {
     Q_OBJECT
 
 public:
     static inline const QString kShortcutId = QStringLiteral("toggle-shelf");
+    // The late refusal's status when the desktop said yes but bound no shortcut: the portal
+    // cannot hold the key for this program at all.
+    static constexpr qint32 kBoundNothing = 3;
+    // The portal's response code when the user turned the binding down.
+    static constexpr qint32 kCancelledByUser = 1;
 
     // Whether the desktop offers the portal on `bus`; asks it, waiting up to a second.
     static bool isAvailable(const QDBusConnection& bus);

@@ -2,11 +2,38 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QMutex>
 #include <QMutexLocker>
+
+namespace {
+
+// A shortcut as the portal reports it bound: its id and properties, a(sa{sv}) on the bus.
+struct ReportedShortcut {
+    QString id;
+    QVariantMap properties;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const ReportedShortcut& shortcut) {
+    argument.beginStructure();
+    argument << shortcut.id << shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, ReportedShortcut& shortcut) {
+    argument.beginStructure();
+    argument >> shortcut.id >> shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+}  // namespace
+
+Q_DECLARE_METATYPE(ReportedShortcut)
 
 namespace mosswick::testing {
 
@@ -66,12 +93,21 @@ public:
             }
             list.endArray();
             uint response = 0;
+            QList<ReportedShortcut> reported;
             {
                 QMutexLocker lock(&mutex);
                 response = bindResponse;
-                if (response == 0) bound.insert(bound.end(), shortcuts.begin(), shortcuts.end());
+                if (response == 0 && !bindsNothing) {
+                    bound.insert(bound.end(), shortcuts.begin(), shortcuts.end());
+                    for (const auto& shortcut : shortcuts)
+                        reported.append(
+                            {shortcut.id,
+                             {{QStringLiteral("trigger_description"), shortcut.preferredTrigger}}});
+                }
             }
-            answer(message, connection, response, {});
+            answer(message, connection, response,
+                   response == 0 ? QVariantMap{{QStringLiteral("shortcuts"), QVariant::fromValue(reported)}}
+                                 : QVariantMap());
             return true;
         }
         return false;
@@ -93,6 +129,7 @@ public:
 
     mutable QMutex mutex;
     uint bindResponse = 0;
+    bool bindsNothing = false;
     std::vector<FakeShortcutsPortal::Shortcut> bound;
     QStringList closed;
 };
@@ -100,6 +137,8 @@ public:
 FakeShortcutsPortal::FakeShortcutsPortal(const QString& busAddress)
     : connection_(QDBusConnection::connectToBus(busAddress, QStringLiteral("mosswick-fake-portal"))),
       object_(std::make_unique<FakeShortcutsPortalObject>()) {
+    qDBusRegisterMetaType<ReportedShortcut>();
+    qDBusRegisterMetaType<QList<ReportedShortcut>>();
     thread_.start();
     object_->moveToThread(&thread_);
     // Registered from the serving thread, where the object lives.
@@ -123,6 +162,11 @@ FakeShortcutsPortal::~FakeShortcutsPortal() {
 void FakeShortcutsPortal::answerBindingsWith(uint response) {
     QMutexLocker lock(&object_->mutex);
     object_->bindResponse = response;
+}
+
+void FakeShortcutsPortal::bindNothing() {
+    QMutexLocker lock(&object_->mutex);
+    object_->bindsNothing = true;
 }
 
 std::vector<FakeShortcutsPortal::Shortcut> FakeShortcutsPortal::boundShortcuts() const {

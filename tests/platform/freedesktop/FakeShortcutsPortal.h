@@ -28,6 +28,9 @@ public:
     bool isReady() const { return ready_; }
     // The response code of the bindings to come: 0 accepted, 1 cancelled by the user.
     void answerBindingsWith(uint response);
+    // Answers bindings with success and an empty list, as KDE's portal does for a program
+    // outside a sandbox.
+    void bindNothing();
 
     std::vector<Shortcut> boundShortcuts() const;
     QStringList closedSessions() const;

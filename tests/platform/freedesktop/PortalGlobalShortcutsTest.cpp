@@ -3,6 +3,7 @@
 
 #include <QDBusConnection>
 #include <QStringList>
+#include <functional>
 #include <memory>
 
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
@@ -102,15 +103,31 @@ TEST_F(PortalGlobalShortcutsTest, BindsTheComboAndHearsItGoDownAndUpOnce) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(PortalGlobalShortcutsTest, RefusedBindingIsReportedLateAndItsSessionClosed) {
-    startPortal();
-    portal->answerBindingsWith(1);
-    const auto registration = service->registerHotKey(KeyCombo{96, 0});
-    ASSERT_TRUE(registration.handle);
-    EXPECT_TRUE(waitUntil([&] { return !failures.empty(); }));
-    ASSERT_EQ(failures.size(), 1u);
-    EXPECT_EQ(failures.front(), std::make_pair(*registration.handle, qint32(1)));
-    EXPECT_TRUE(waitUntil([&] { return portal->closedSessions().size() == 1; }));
+TEST_F(PortalGlobalShortcutsTest, RefusedOrEmptyBindingIsReportedLateAndItsSessionClosed) {
+    struct Case {
+        const char* name;
+        std::function<void(FakeShortcutsPortal&)> answer;
+        qint32 status;
+    };
+    const Case cases[] = {
+        {"cancelled by the user", [](FakeShortcutsPortal& p) { p.answerBindingsWith(1); }, 1},
+        {"accepted with nothing bound", [](FakeShortcutsPortal& p) { p.bindNothing(); },
+         PortalGlobalShortcuts::kBoundNothing},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        failures.clear();
+        startPortal();
+        c.answer(*portal);
+        const auto registration = service->registerHotKey(KeyCombo{96, 0});
+        ASSERT_TRUE(registration.handle);
+        EXPECT_TRUE(waitUntil([&] { return !failures.empty(); }));
+        ASSERT_EQ(failures.size(), 1u);
+        EXPECT_EQ(failures.front(), std::make_pair(*registration.handle, c.status));
+        EXPECT_TRUE(waitUntil([&] { return portal->closedSessions().size() == 1; }));
+        service.reset();
+        portal.reset();
+    }
 }
 
 TEST_F(PortalGlobalShortcutsTest, UnregisteringClosesTheSessionAndSilencesIt) {
