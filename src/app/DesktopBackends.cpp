@@ -30,15 +30,6 @@
 
 namespace mosswick {
 
-namespace {
-
-bool isWaylandSession() {
-    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") ||
-           qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-}
-
-}  // namespace
-
 DesktopBackends::DesktopBackends() = default;
 DesktopBackends::DesktopBackends(DesktopBackends&&) noexcept = default;
 DesktopBackends::~DesktopBackends() {
@@ -47,6 +38,7 @@ DesktopBackends::~DesktopBackends() {
 
 DesktopBackends DesktopBackends::forThisSession() {
     DesktopBackends backends;
+    backends.session_ = detectDesktopSession();
     const bool xcb = QGuiApplication::platformName() == QLatin1String("xcb");
     if (xcb) backends.x11_ = X11Connection::open();
 
@@ -64,7 +56,7 @@ DesktopBackends DesktopBackends::forThisSession() {
     }
     if (!backends.probe_) backends.probe_ = std::make_unique<DummyDesktopProbe>();
 
-    if (isWaylandSession() && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
+    if (isWayland(backends.session_) && PortalGlobalShortcuts::isAvailable(QDBusConnection::sessionBus())) {
         backends.hotKeys_ =
             std::make_unique<PortalGlobalShortcuts>(QDBusConnection::sessionBus(), KeyboardLayout::shared());
         backends.portalOwnsShortcut_ = true;

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "shelf/ShelfDropIngestHandler.h"
+#include "triggers/DesktopSession.h"
 
 namespace mosswick {
 
@@ -30,6 +31,9 @@ class X11DirectSaveReceiver;
 class DesktopBackends {
 public:
     static DesktopBackends forThisSession();
+
+    // The session the backends were chosen for (detectDesktopSession).
+    DesktopSession session() const { return session_; }
 
     DesktopBackends(DesktopBackends&&) noexcept;
     ~DesktopBackends();
@@ -63,6 +67,7 @@ private:
     DesktopBackends();
     void followDesktopState();
 
+    DesktopSession session_ = DesktopSession::X11;
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
     std::unique_ptr<DesktopMotionSetting> desktopMotion_;

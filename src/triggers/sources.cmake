@@ -4,6 +4,8 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DesktopProbe.h
   DesktopSession.h DesktopSession.cpp
   DummyDesktopProbe.h
+  DragSight.h
+  UnseenDragEnd.h UnseenDragEnd.cpp
   DragMonitor.h DragMonitor.cpp
   InstalledApplications.h
   IgnoredApplications.h IgnoredApplications.cpp
