@@ -51,6 +51,7 @@ class RemotePointer:
         if ready.strip() != b"ready":
             raise DesktopError(f"mutter's RemoteDesktop did not start a session ({ready!r})")
         self.at = None
+        self.held = False
 
     def _send(self, command):
         self.process.stdin.write(command.encode() + b"\n")
@@ -83,10 +84,22 @@ class RemotePointer:
         time.sleep(0.3)
 
     def press(self):
+        self.held = True
         return self._send("down")
 
     def release(self):
+        self.held = False
         return self._send("up")
+
+    def key(self, keysym):
+        """Types one key (an X keysym) into whatever has the keyboard focus."""
+        return self._send(f"key {keysym:#x}")
+
+    def click(self, x, y):
+        self.move_to(x, y)
+        time.sleep(0.1)
+        self.press()
+        self.release()
 
     def start_drag(self, x, y):
         """Presses at (x, y) and leaves the press point past the drag distance; returns the time
@@ -170,6 +183,13 @@ class MutterDesktop(Desktop):
                                              capture_output=True).returncode == 0, 20, "XWayland to answer")
         self.pointer = RemotePointer(self, height)
         self._programs.append(_Stoppable(self.pointer))
+
+    def stop_programs_since(self, count):
+        # A case that failed mid-drag must not leave the button held for the next one.
+        pointer = getattr(self, "pointer", None)
+        if pointer and pointer.held and pointer.process.poll() is None:
+            pointer.release()
+        super().stop_programs_since(count)
 
     def _start_window_manager(self):
         pass  # mutter is the window manager

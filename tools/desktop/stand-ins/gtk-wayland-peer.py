@@ -5,10 +5,11 @@ Debian's python3 (GObject introspection) with GDK_BACKEND=wayland.
 
     gtk-wayland-peer.py source FILE...     drags these files (text/uri-list, and the URIs as text)
     gtk-wayland-peer.py source --text T    drags text alone
+    gtk-wayland-peer.py source --move-only FILE...  offers to move the files, never to copy
     gtk-wayland-peer.py target REPORT      writes what is dropped on it to REPORT (JSON, whole)
 
 Prints "ready", then one line a drag event with its CLOCK_MONOTONIC time in seconds:
-"drag-begin T", "drag-end T", "drag-failed T REASON", "received T"."""
+"drag-begin T", "drag-end T ACTION", "drag-failed T REASON", "drag-data-delete T", "received T"."""
 
 import json
 import os
@@ -38,6 +39,8 @@ window.add(area)
 actions = Gdk.DragAction.COPY | Gdk.DragAction.MOVE
 
 if role == "source":
+    if args[:1] == ["--move-only"]:  # as a file manager moving files does
+        actions, args = Gdk.DragAction.MOVE, args[1:]
     text = args[1] if args[:1] == ["--text"] else None
     uris = [] if text is not None else [GLib.filename_to_uri(os.path.abspath(path), None) for path in args]
     targets = Gtk.TargetList.new([])
@@ -54,7 +57,10 @@ if role == "source":
             selection.set_text(text if text is not None else "\n".join(uris), -1)
     area.connect("drag-data-get", data_get)
     area.connect("drag-begin", lambda w, c: say("drag-begin", now()))
-    area.connect("drag-end", lambda w, c: say("drag-end", now()))
+    area.connect("drag-end", lambda w, c: say("drag-end", now(), c.get_selected_action().value_nicks[0]
+                                              if c.get_selected_action() else "none"))
+    # Emitted when a target took a move: a real source would delete its file now.
+    area.connect("drag-data-delete", lambda w, c: say("drag-data-delete", now()))
     area.connect("drag-failed", lambda w, c, result: say("drag-failed", now(), result.value_nick) or False)
 elif role == "target":
     report = args[0]

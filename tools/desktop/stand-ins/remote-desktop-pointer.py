@@ -8,6 +8,7 @@ took it:
     home         to the bottom-left corner (an absolute move needs a screen cast stream; the
                  top-left corner is gnome-shell's hot corner)
     down | up    press or release the left button
+    key KEYSYM   press and release a key (an X keysym, such as 0xffc2 for F5)
 
 The session lives as long as this program's bus connection."""
 
@@ -47,6 +48,9 @@ for line in sys.stdin:
             rel(-10000, 10000)
         elif words[0] in ("down", "up"):
             call(session, SESSION, "NotifyPointerButton", GLib.Variant("(ib)", (BTN_LEFT, words[0] == "down")))
+        elif words[0] == "key":
+            for pressed in (True, False):
+                call(session, SESSION, "NotifyKeyboardKeysym", GLib.Variant("(ub)", (int(words[1], 0), pressed)))
         else:
             raise ValueError("unknown command")
         print("done", line.strip(), time.clock_gettime(time.CLOCK_MONOTONIC), flush=True)
