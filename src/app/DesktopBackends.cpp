@@ -69,7 +69,8 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (backends.x11_) {
         backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
-        backends.dragTypes_ = std::make_unique<X11DragTypeOverride>(backends.x11_->atoms());
+        backends.dragTypes_ =
+            std::make_unique<X11DragTypeOverride>(backends.x11_->atoms(), isWayland(backends.session_));
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
         backends.dragTypes_ = std::make_unique<NoDragTypeOverride>();

@@ -183,21 +183,11 @@ def drag_out_reaches_gtk(d):
     [item] = shelve(d, [original])
     report = d.out("received.json")
     d.start_gtk("target", report)
-    # The same drag from the test peer, a plain Qt program on XWayland, first: it tells a fault of
-    # Mosswick's from one of the compositor's bridge between X and Wayland drags.
-    peer = d.start_peer("drag", "--file", original, "--geometry", "1200,100,200,150", "--stay")
-    window = d.wait_mapped(peer)
-    time.sleep(0.5)  # mutter raises a new window a moment after mapping it
-    px, py, pw, ph = d.window_geometry(window)
-    bridged = drag_into_gtk(d, (px + pw // 2, py + ph // 2), report)
-    peer.stop()
-    os.remove(report)
     app = d.start_mosswick("--summon")
     x, y, w, h = shelf_frame(d, app)
+    # mutter asks for the types and the data at its own time, which Qt's drag refuses: a plain Qt
+    # program's drag arrives empty here. Mosswick answers those reads itself.
     uris = drag_into_gtk(d, (x + w // 2, y + 84), report)  # the one tile
-    if not uris and not bridged:
-        skip("mutter hands drags from X programs to Wayland programs without their data "
-             "(the test peer's drag arrived empty too)")
     [uri] = uris
     path = urllib.parse.unquote_to_bytes(urllib.parse.urlsplit(uri).path)
     assert path in (original, staged_path(item)), uri
