@@ -42,6 +42,7 @@ DesktopBackends::~DesktopBackends() {
 
 DesktopBackends DesktopBackends::forThisSession() {
     DesktopBackends backends;
+    backends.session_ = detectDesktopSession();
     const bool xcb = QGuiApplication::platformName() == QLatin1String("xcb");
     if (xcb) backends.x11_ = X11Connection::open();
 
@@ -59,7 +60,6 @@ DesktopBackends DesktopBackends::forThisSession() {
     }
     if (!backends.probe_) backends.probe_ = std::make_unique<DummyDesktopProbe>();
 
-    backends.session_ = detectDesktopSession();
     std::unique_ptr<HotKeyService> grab;
     if (backends.x11_)
         grab = std::make_unique<X11HotKeyService>(*backends.x11_);
@@ -87,7 +87,8 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (backends.x11_) {
         backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
-        backends.dragTypes_ = std::make_unique<X11DragTypeOverride>(backends.x11_->atoms());
+        backends.dragTypes_ =
+            std::make_unique<X11DragTypeOverride>(backends.x11_->atoms(), isWayland(backends.session_));
     } else {
         backends.panelHints_ = std::make_unique<NoPanelWindowHints>();
         backends.dragTypes_ = std::make_unique<NoDragTypeOverride>();

@@ -38,6 +38,9 @@ class DesktopBackends {
 public:
     static DesktopBackends forThisSession();
 
+    // The session the backends were chosen for (detectDesktopSession).
+    DesktopSession session() const { return session_; }
+
     DesktopBackends(DesktopBackends&&) noexcept;
     ~DesktopBackends();
 
@@ -48,7 +51,6 @@ public:
     // Whether the desktop's portal, not an X11 grab, holds the shortcut (and asks the user itself);
     // false once the portal turned out to bind nothing.
     bool portalOwnsShortcut() const;
-    DesktopSession session() const { return session_; }
     // The desktop's own keyboard settings, on Wayland sessions of GNOME and KDE; null elsewhere.
     DesktopShortcutStore* desktopShortcuts() { return desktopShortcuts_.get(); }
     PanelWindowHints& panelHints() { return *panelHints_; }
@@ -77,13 +79,13 @@ private:
     DesktopBackends();
     void followDesktopState();
 
+    DesktopSession session_ = DesktopSession::X11;
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
     std::unique_ptr<DesktopMotionSetting> desktopMotion_;
     std::unique_ptr<DesktopProbe> probe_;
     std::unique_ptr<KeyboardLayout> layout_;
     std::unique_ptr<HotKeyService> hotKeys_;
-    DesktopSession session_ = DesktopSession::X11;
     FallbackHotKeyService* portal_ = nullptr;
     std::unique_ptr<DesktopShortcutStore> desktopShortcuts_;
     std::unique_ptr<PanelWindowHints> panelHints_;

@@ -15,6 +15,7 @@
 #include "app/CommandClient.h"
 #include "app/DesktopBackends.h"
 #include "app/MenuBarIcon.h"
+#include "app/QtPlatformChoice.h"
 #include "app/StatusBarController.h"
 #include "app/SelfUpdate.h"
 #include "app/ShelfCommands.h"
@@ -41,6 +42,7 @@
 #include "shelf/ShelfDropIngestHandler.h"
 #include "shelf/ShelfPanelFactory.h"
 #include "shelf/ShelfWindowController.h"
+#include "triggers/DesktopSession.h"
 #include "triggers/DragMonitor.h"
 #include "triggers/HotKeyManager.h"
 
@@ -50,6 +52,7 @@ namespace {
 
 const QString kSummonOption = QStringLiteral("summon");
 Q_LOGGING_CATEGORY(lcSettings, "mosswick.settings")
+Q_LOGGING_CATEGORY(lcSession, "mosswick.session", QtInfoMsg)
 
 }  // namespace
 
@@ -57,7 +60,12 @@ int main(int argc, char** argv) {
     // `mosswick <command>` talks to the running shelf and needs no display of its own.
     if (const std::optional<int> status = runCommandLine(argc, argv)) return *status;
 
+    // Asked for while Qt starts only: programs opened from the shelf choose their own platform.
+    const QByteArray platform =
+        QtPlatformChoice::preferred([](const char* name) { return qEnvironmentVariable(name); });
+    if (!platform.isEmpty()) qputenv("QT_QPA_PLATFORM", platform);
     QApplication app(argc, argv);
+    if (!platform.isEmpty()) qunsetenv("QT_QPA_PLATFORM");
     QApplication::setApplicationName(QStringLiteral("Mosswick"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildSettings::version()));
     QApplication::setDesktopFileName(QStringLiteral("mosswick"));
@@ -112,6 +120,12 @@ int main(int argc, char** argv) {
     });
 
     DesktopBackends desktop = DesktopBackends::forThisSession();
+    const DragSight dragSight = DragSight::of(desktop.session());
+    qCInfo(lcSession).noquote() << "Desktop session:" << describeDesktopSession(desktop.session())
+                                << "- Qt platform" << QGuiApplication::platformName();
+    if (QGuiApplication::platformName() != QLatin1String("xcb"))
+        qCWarning(lcSession) << "Not an X11 client: drags in other programs cannot be seen, so only the "
+                                "shortcut and the menu bring the shelf up";
     const IngestServices ingest{scheduler, preferences, store};
     ShelfDropIngestHandler drops(desktop.dropPasteboards(), ingest);
     ShelfMenuPresenter shelfMenus(preferences, store);
@@ -125,10 +139,18 @@ int main(int argc, char** argv) {
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);
+    controller.setPointerAlwaysKnown(dragSight.followsPointer);
 
     DragMonitor dragMonitor(desktop.probe(), desktop.displays(), scheduler, preferences);
     dragMonitor.setInstalledApplications(&desktop.installedApplications());
     DragMonitor::setShared(&dragMonitor);
+    dragMonitor.setSight(dragSight);
+    // What the shelf sees of a drag is all there is to tell its end by where the session hides it.
+    drops.onDropped = [&dragMonitor] { dragMonitor.droppedOnShelf(); };
+    // Goes before the monitor: the panel, put away as the controller goes, still tells the store.
+    const QObject monitorLink;
+    QObject::connect(&store, &ShelfStore::targetedChanged, &monitorLink,
+                     [&store, &dragMonitor] { dragMonitor.shelfTargetChanged(store.isTargeted()); });
     HotKeyManager hotKeys(desktop.hotKeys(), scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);
 

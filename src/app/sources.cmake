@@ -3,6 +3,7 @@ set(MOSSWICK_APP_SOURCES
   AppDelegate.h AppDelegate.cpp
   MenuBarIcon.h MenuBarIcon.cpp
   CommandLine.h CommandLine.cpp
+  QtPlatformChoice.h QtPlatformChoice.cpp
   ShelfCommands.h ShelfCommands.cpp
   UpdateFeed.h UpdateFeed.cpp
   UpdateSignature.h UpdateSignature.cpp

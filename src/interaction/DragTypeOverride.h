@@ -28,8 +28,11 @@ public:
     virtual void offer(const DragPayload::Types& types) = 0;
 
     // The rule: a link's own text/x-moz-url replaces Qt's; a drag that offers no text refuses
-    // text/plain; anything else, a chosen text included, Qt answers.
-    static Answer answer(const DragPayload::Types& types, const QByteArray& target);
+    // text/plain; anything else, a chosen text included, Qt answers. Where a compositor hands the
+    // shelf's drags to Wayland programs (`bridged`), every offered type is answered with its bytes:
+    // Qt ties a read to its drag by the read's time and refuses any other, and mutter reads at its
+    // own time, so the Wayland program would get nothing.
+    static Answer answer(const DragPayload::Types& types, const QByteArray& target, bool bridged = false);
 };
 
 // Where no backend can step in: Qt answers everything.

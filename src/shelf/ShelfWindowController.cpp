@@ -73,7 +73,7 @@ void ShelfWindowController::dragBegan() {
     const ShowTrigger trigger = preferences_.showTrigger();
     if (trigger == ShowTrigger::dragToScreenEdge) return;
     presentation_.dragBegan();
-    if (trigger == ShowTrigger::dragStartsAtCursor) anchorToPointerIfAppearing();
+    if (trigger == ShowTrigger::dragStartsAtCursor && pointerAlwaysKnown_) anchorToPointerIfAppearing();
     applyPresentation(true, 0);
 }
 
@@ -152,7 +152,9 @@ void ShelfWindowController::reconcile(bool animated) {
     // Not from under the pointer or a hovering drag: look again until they have left.
     const ScreenRect lingerArea =
         panel_ ? panel_->frame().insetBy(-kLingerMargin, -kLingerMargin) : ScreenRect{};
-    if ((panel_ && lingerArea.contains(displays_.pointerLocation())) || store_.isTargeted()) {
+    const bool pointerNear =
+        pointerAlwaysKnown_ && panel_ && lingerArea.contains(displays_.pointerLocation());
+    if (pointerNear || store_.isTargeted()) {
         applyPresentation(animated, kLookAgainDelay);
         return;
     }

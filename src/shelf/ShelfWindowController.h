@@ -78,6 +78,12 @@ public:
     void cancelPreview();
     // Before a drag under the at-pointer trigger: the next show opens beside the pointer.
     void anchorToPointerIfAppearing();
+    // Where the pointer's position is current only over our own windows and stale elsewhere, above
+    // all during other programs' drags (XWayland): a drag under the at-pointer trigger opens the
+    // shelf at its edge (beside an old position is beside nothing the user looks at), and a shelf
+    // going away does not wait for the pointer to leave it (the position last seen over it would
+    // keep it up for good).
+    void setPointerAlwaysKnown(bool known) { pointerAlwaysKnown_ = known; }
     // Makes the panel now, if it is not made yet, and puts it away: a panel that exists before a
     // drag begins is one every drag source can find once it slides in.
     void standBy();
@@ -117,6 +123,7 @@ private:
     DisplayEnvironment& displays_;
     DesktopMotionSetting& desktopMotion_;
     PanelFactory makePanel_;
+    bool pointerAlwaysKnown_ = true;
 
     std::unique_ptr<ShelfPanelSurface> panel_;
     bool isShown_ = false;

@@ -19,6 +19,7 @@ list(APPEND MOSSWICK_SHELF_SOURCES
   ReducedMotion.h ReducedMotion.cpp
   PanelWindowHints.h
   ShelfDropHandler.h
+  DropRefusal.h DropRefusal.cpp
   ShelfDropIngestHandler.h ShelfDropIngestHandler.cpp
 )
 # The shelf's window.

@@ -27,7 +27,8 @@ DragMonitor::DragMonitor(DesktopProbe& probe, DisplayEnvironment& displays, Sche
       displays_(displays),
       scheduler_(scheduler),
       preferences_(preferences),
-      lastChangeCount_(probe.dragChangeCount()) {}
+      lastChangeCount_(probe.dragChangeCount()),
+      unseenEnd_(scheduler, [this] { settleGesture(); }) {}
 
 DragMonitor::~DragMonitor() {
     if (started_) probe_.watch({});
@@ -50,6 +51,14 @@ void DragMonitor::setInstalledApplications(InstalledApplications* applications) 
     installedApplications_ = applications;
 }
 
+void DragMonitor::shelfTargetChanged(bool targeted) {
+    if (isDragging_) unseenEnd_.overShelf(targeted);
+}
+
+void DragMonitor::droppedOnShelf() {
+    if (isDragging_) unseenEnd_.dropped();
+}
+
 void DragMonitor::start() {
     if (started_) return;
     started_ = true;
@@ -65,6 +74,7 @@ void DragMonitor::stop() {
     started_ = false;
     probe_.watch({});
     pollTimer_.cancel();
+    unseenEnd_.forget();
     isDragging_ = false;
     pendingChange_.reset();
 }
@@ -103,13 +113,17 @@ void DragMonitor::tick() {
 }
 
 void DragMonitor::evaluate() {
-    if (isDragging_) {
-        checkEdgeProximity();
-        return;
-    }
     const qint64 changeCount = probe_.dragChangeCount();
+    if (isDragging_) {
+        if (sight_.followsPointer || changeCount == lastChangeCount_) {
+            checkEdgeProximity();
+            return;
+        }
+        // A new drag has begun, so the one whose end went unseen is over.
+        endDrag();
+    }
     if (changeCount == lastChangeCount_) return;
-    if (!probe_.isLeftButtonDown()) {
+    if (sight_.followsPointer && !probe_.isLeftButtonDown()) {
         // Put there by a drag that has already ended.
         lastChangeCount_ = changeCount;
         pendingChange_.reset();
@@ -126,6 +140,17 @@ void DragMonitor::evaluate() {
     if (probe_.isShiftDown() || !shouldReactToCurrentApp()) return;
     isDragging_ = true;
     hasReportedEdge_ = false;
+    if (!sight_.followsPointer) {
+        // Polling would find the button up and end the drag at once. Nor can the pointer be
+        // followed to the edge: the edge trigger brings the shelf up at its edge now.
+        unseenEnd_.began();
+        onDragBegan();
+        if (isDragging_ && !hasReportedEdge_) {
+            hasReportedEdge_ = true;
+            onDragReachedEdge();
+        }
+        return;
+    }
     startPolling();
     onDragBegan();
 }
@@ -161,14 +186,17 @@ void DragMonitor::checkEdgeProximity() {
 }
 
 void DragMonitor::settleGesture() {
-    if (isDragging_) {
-        isDragging_ = false;
-        hasReportedEdge_ = false;
-        onDragEnded();
-    }
+    if (isDragging_) endDrag();
     pollTimer_.cancel();
     lastChangeCount_ = probe_.dragChangeCount();
     pendingChange_.reset();
+}
+
+void DragMonitor::endDrag() {
+    isDragging_ = false;
+    hasReportedEdge_ = false;
+    unseenEnd_.forget();
+    onDragEnded();
 }
 
 bool DragMonitor::carriesSomethingShelvable() { return PasteboardTypes::bringsShelfUp(probe_.dragTypes()); }

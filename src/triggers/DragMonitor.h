@@ -7,6 +7,8 @@
 #include "model/Scheduler.h"
 #include "shelf/DisplayEnvironment.h"
 #include "triggers/DesktopProbe.h"
+#include "triggers/DragSight.h"
+#include "triggers/UnseenDragEnd.h"
 
 namespace mosswick {
 
@@ -18,7 +20,10 @@ class Preferences;
 // drag pasteboard has changed since the last gesture; only the pasteboard's types are read, never
 // its contents. Polls the pointer only between button down and up. The screen edge is measured
 // in the shelf's coordinates (points), on the display the pointer is on or else the nearest.
-// Main thread only.
+// Where the button and the pointer cannot be followed during a drag (XWayland: see DragSight), a
+// new pasteboard change with something shelvable is taken as a drag on its own, the edge counts as
+// reached at once (the shelf comes at its edge when the drag starts), and the drag's end is
+// decided by UnseenDragEnd from what the shelf sees of it. Main thread only.
 class DragMonitor {
 public:
     static constexpr double kStagingGrace = 0.5;
@@ -38,6 +43,14 @@ public:
     std::function<void()> onDragBegan = [] {};
     std::function<void()> onDragEnded = [] {};
     std::function<void()> onDragReachedEdge = [] {};
+
+    // What this session shows of other programs' drags; a plain X server's sight until set.
+    void setSight(DragSight sight) { sight_ = sight; }
+    const DragSight& sight() const { return sight_; }
+    // What the shelf's own window saw of a drag: it came over the shelf or left it, or dropped
+    // there. Only a drag whose end cannot be seen otherwise goes by these.
+    void shelfTargetChanged(bool targeted);
+    void droppedOnShelf();
 
     // Where a window known only by its class finds its desktop-file id; none until set.
     void setInstalledApplications(InstalledApplications* applications);
@@ -60,6 +73,7 @@ private:
     void tick();
     void evaluate();
     void settleGesture();
+    void endDrag();
     void checkEdgeProximity();
     void holdForRestaging(qint64 changeCount);
     bool carriesSomethingShelvable();
@@ -76,6 +90,8 @@ private:
     bool hasReportedEdge_ = false;
     std::optional<PendingChange> pendingChange_;
     InstalledApplications* installedApplications_ = nullptr;
+    DragSight sight_;
+    UnseenDragEnd unseenEnd_;
 };
 
 }  // namespace mosswick

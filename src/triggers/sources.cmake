@@ -5,6 +5,8 @@ set(MOSSWICK_TRIGGERS_SOURCES
   DesktopSession.h DesktopSession.cpp
   FallbackHotKeyService.h FallbackHotKeyService.cpp
   DummyDesktopProbe.h
+  DragSight.h
+  UnseenDragEnd.h UnseenDragEnd.cpp
   DragMonitor.h DragMonitor.cpp
   InstalledApplications.h
   IgnoredApplications.h IgnoredApplications.cpp

@@ -261,6 +261,20 @@ TEST_F(ShelfWindowControllerTest, AShelfOpenedAtThePointerAppearsInPlaceAndForge
     EXPECT_FALSE(controller->cursorAnchor());
 }
 
+TEST_F(ShelfWindowControllerTest, WhereThePointerGoesStaleTheShelfNeitherOpensAtItNorWaitsForIt) {
+    preferences.setShowTrigger(ShowTrigger::dragStartsAtCursor);
+    controller->setPointerAlwaysKnown(false);
+    controller->dragBegan();
+    EXPECT_FALSE(controller->cursorAnchor());
+    EXPECT_THAT(log(),
+                ElementsAre("alpha 0", "frame 1238,46 196x144", "front", "frame 1452,46 196x144", kSlideIn));
+    panel->finishAnimations();
+    // Last seen over the shelf, then gone over another program's window without a word.
+    environment.pointer = {1300, 100};
+    endDragAndWait();
+    EXPECT_FALSE(controller->isShown());
+}
+
 TEST_F(ShelfWindowControllerTest, MoreTilesOnAnAdaptiveShelfGrowItAnimated) {
     controller->summon();
     panel->finishAnimations();

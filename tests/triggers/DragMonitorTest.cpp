@@ -99,6 +99,12 @@ protected:
                 displays.pointer = {kDisplay.maxX() - 6, 300};
             else if (step == u"nearEdge")
                 displays.pointer = {kDisplay.maxX() - 7, 300};
+            else if (step == u"over")
+                monitor.shelfTargetChanged(true);
+            else if (step == u"leave")
+                monitor.shelfTargetChanged(false);
+            else if (step == u"dropped")
+                monitor.droppedOnShelf();
             else if (step == u"start")
                 monitor.start();
             else if (step == u"stop")
@@ -174,10 +180,60 @@ const Gesture kGestures[] = {
     {"stopDuringDrag", "down file drag stop up +1", "began"},
     {"changeWhileStopped", "stop file start down drag up", ""},
     {"restartAfterStop", "stop start down file drag up", "began ended"},
+    // Where the button is seen, it alone ends a drag: the shelf's own events change nothing.
+    {"shelfEventsIgnored", "down file drag over dropped leave +10", "began"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Table, DragMonitorGestures, ::testing::ValuesIn(kGestures),
                          [](const ::testing::TestParamInfo<Gesture>& row) { return row.param.name; });
+
+// Through XWayland: no button, no pointer, no end. Nothing presses the button in these scripts.
+class DragMonitorUnseen : public DragMonitorTest, public ::testing::WithParamInterface<Gesture> {};
+
+TEST_P(DragMonitorUnseen, ReportsWhatTheScriptExpects) {
+    const Gesture& gesture = GetParam();
+    monitor.setSight({false});
+    monitor.start();
+    run(QString::fromLatin1(gesture.script));
+    EXPECT_EQ(events.join(u' ').toStdString(), gesture.events) << gesture.script;
+}
+
+const Gesture kUnseenGestures[] = {
+    // A change with files is a drag; the edge cannot be watched for, so it counts as reached.
+    {"fileDrag", "file notify", "began edge"},
+    {"typesArriveLater", "nothing notify addFile notify", "began edge"},
+    {"sameChangeOnce", "file notify notify +1 notify", "began edge"},
+    {"textOnly", "text notify +20", ""},
+    {"shiftStillCounts", "shift file notify", ""},
+    // The end: a drop on the shelf, the next drag, a button seen again, or the time running out
+    // while the drag is not over the shelf.
+    {"dropOnShelf", "file notify over dropped +20", "began edge ended"},
+    {"timesOut", "file notify +7.9", "began edge"},
+    {"timedOut", "file notify +8", "began edge ended"},
+    {"hoveringNeverTimesOut", "file notify +7 over +60", "began edge"},
+    {"leavingStartsTheTimeAgain", "file notify +7 over +60 leave +7.9", "began edge"},
+    {"leftAndTimedOut", "file notify over leave +8", "began edge ended"},
+    {"nextFileDrag", "file notify +2 file notify", "began edge ended began edge"},
+    {"nextTextDrag", "file notify +2 text notify +20", "began edge ended"},
+    {"buttonSeenAgain", "file notify down up", "began edge ended"},
+    {"pressFoundUp", "file notify down lostUp +0.05", "began edge ended"},
+    {"stopForgetsTheTime", "file notify stop +20", "began edge"},
+    {"shelfEventsWithoutDrag", "over dropped leave +20", ""},
+    {"afterTheEndNothingMore", "file notify over dropped leave +20 notify", "began edge ended"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, DragMonitorUnseen, ::testing::ValuesIn(kUnseenGestures),
+                         [](const ::testing::TestParamInfo<Gesture>& row) { return row.param.name; });
+
+TEST_F(DragMonitorTest, UnseenDragsRunNoPollTimer) {
+    monitor.setSight({false});
+    monitor.start();
+    run("file notify");
+    // Only the time-out waits.
+    EXPECT_EQ(clock.pendingTimers(), 1u);
+    run("over");
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
 
 TEST_F(DragMonitorTest, RunsNoTimerWhileTheButtonIsUp) {
     monitor.start();
