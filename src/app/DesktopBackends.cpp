@@ -15,6 +15,7 @@
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
+#include "platform/x11/KWinPanelHints.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
@@ -47,6 +48,7 @@ DesktopBackends::~DesktopBackends() {
 
 DesktopBackends DesktopBackends::forThisSession() {
     DesktopBackends backends;
+    backends.session_ = detectDesktopSession();
     const bool xcb = QGuiApplication::platformName() == QLatin1String("xcb");
     if (xcb) backends.x11_ = X11Connection::open();
 
@@ -75,7 +77,10 @@ DesktopBackends DesktopBackends::forThisSession() {
     }
 
     if (backends.x11_) {
-        backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
+        if (backends.session_ == DesktopSession::KdeWayland)
+            backends.panelHints_ = std::make_unique<KWinPanelHints>(backends.x11_->atoms());
+        else
+            backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
         backends.dragTypes_ = std::make_unique<X11DragTypeOverride>(backends.x11_->atoms());
     } else {
@@ -85,6 +90,13 @@ DesktopBackends DesktopBackends::forThisSession() {
 
     backends.followDesktopState();
     return backends;
+}
+
+DragMonitor::Sight DesktopBackends::dragSight() const {
+    // KWin refuses every conversion of the drag's selection while no window of ours is active,
+    // and through XWayland the button of a drag between Wayland programs is never seen.
+    if (session_ == DesktopSession::KdeWayland && x11_) return {.button = false, .types = false};
+    return {};
 }
 
 void DesktopBackends::followDesktopState() {

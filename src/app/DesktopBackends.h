@@ -3,6 +3,8 @@
 #include <memory>
 
 #include "shelf/ShelfDropIngestHandler.h"
+#include "triggers/DesktopSession.h"
+#include "triggers/DragMonitor.h"
 
 namespace mosswick {
 
@@ -34,6 +36,10 @@ public:
     DesktopBackends(DesktopBackends&&) noexcept;
     ~DesktopBackends();
 
+    DesktopSession session() const { return session_; }
+    // What the drag monitor can see of other programs' drags in this session.
+    DragMonitor::Sight dragSight() const;
+
     DisplayEnvironment& displays() { return *displays_; }
     DesktopMotionSetting& desktopMotion() { return *desktopMotion_; }
     DesktopProbe& probe() { return *probe_; }
@@ -63,6 +69,7 @@ private:
     DesktopBackends();
     void followDesktopState();
 
+    DesktopSession session_ = DesktopSession::X11;
     std::unique_ptr<X11Connection> x11_;
     std::unique_ptr<DisplayEnvironment> displays_;
     std::unique_ptr<DesktopMotionSetting> desktopMotion_;

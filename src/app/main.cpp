@@ -123,9 +123,12 @@ int main(int argc, char** argv) {
     ShelfWindowController controller(
         {preferences, store, scheduler, desktop.displays(), desktop.desktopMotion(), panels});
     ShelfWindowController::setShared(&controller);
+    // Through XWayland the pointer's position is the last one over an X window.
+    controller.setSeesPointer(!isWayland(desktop.session()));
 
     DragMonitor dragMonitor(desktop.probe(), desktop.displays(), scheduler, preferences);
     dragMonitor.setInstalledApplications(&desktop.installedApplications());
+    dragMonitor.setSight(desktop.dragSight());
     DragMonitor::setShared(&dragMonitor);
     HotKeyManager hotKeys(desktop.hotKeys(), scheduler, defaults);
     HotKeyManager::setShared(&hotKeys);

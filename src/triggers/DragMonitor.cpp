@@ -109,10 +109,17 @@ void DragMonitor::evaluate() {
     }
     const qint64 changeCount = probe_.dragChangeCount();
     if (changeCount == lastChangeCount_) return;
-    if (!probe_.isLeftButtonDown()) {
+    if (!buttonSeemsDown()) {
         // Put there by a drag that has already ended.
         lastChangeCount_ = changeCount;
         pendingChange_.reset();
+        return;
+    }
+    if (!sight_.types) {
+        lastChangeCount_ = changeCount;
+        pendingChange_.reset();
+        if (probe_.isShiftDown() || !shouldReactToCurrentApp()) return;
+        onUnreadableDragBegan();
         return;
     }
     if (!carriesSomethingShelvable()) {
@@ -124,10 +131,18 @@ void DragMonitor::evaluate() {
     // The change is consumed either way: Shift or an ignored program keeps the shelf away for the
     // whole of this drag, even if Shift is let go later.
     if (probe_.isShiftDown() || !shouldReactToCurrentApp()) return;
-    isDragging_ = true;
-    hasReportedEdge_ = false;
-    startPolling();
+    // A drag whose button cannot be seen has no end to wait for here.
+    if (sight_.button) {
+        isDragging_ = true;
+        hasReportedEdge_ = false;
+        startPolling();
+    }
     onDragBegan();
+}
+
+bool DragMonitor::buttonSeemsDown() {
+    // Unseen, the button is taken as down when the pasteboard changes: only a drag changes it.
+    return !sight_.button || probe_.isLeftButtonDown();
 }
 
 void DragMonitor::holdForRestaging(qint64 changeCount) {

@@ -21,6 +21,15 @@ class Preferences;
 // Main thread only.
 class DragMonitor {
 public:
+    // What the session lets the monitor see of other programs' drags. Through XWayland a drag
+    // between Wayland programs shows only as its pasteboard change: the button and the pointer
+    // stay hidden, so its end is never seen; KWin hides even its types until the drag reaches a
+    // window of ours.
+    struct Sight {
+        bool button = true;
+        bool types = true;
+    };
+
     static constexpr double kStagingGrace = 0.5;
     static constexpr double kPollInterval = 0.05;
     static constexpr double kEdgeThreshold = 6;
@@ -38,6 +47,11 @@ public:
     std::function<void()> onDragBegan = [] {};
     std::function<void()> onDragEnded = [] {};
     std::function<void()> onDragReachedEdge = [] {};
+    // A drag began whose types cannot be read from here (only where `Sight::types` is off): it
+    // may carry nothing the shelf takes. Its end is never reported.
+    std::function<void()> onUnreadableDragBegan = [] {};
+
+    void setSight(Sight sight) { sight_ = sight; }
 
     // Where a window known only by its class finds its desktop-file id; none until set.
     void setInstalledApplications(InstalledApplications* applications);
@@ -65,7 +79,10 @@ private:
     bool carriesSomethingShelvable();
     bool shouldReactToCurrentApp();
 
+    bool buttonSeemsDown();
+
     DesktopProbe& probe_;
+    Sight sight_;
     DisplayEnvironment& displays_;
     Scheduler& scheduler_;
     Preferences& preferences_;

@@ -54,6 +54,7 @@ protected:
         monitor.onDragBegan = [this] { events << QStringLiteral("began"); };
         monitor.onDragEnded = [this] { events << QStringLiteral("ended"); };
         monitor.onDragReachedEdge = [this] { events << QStringLiteral("edge"); };
+        monitor.onUnreadableDragBegan = [this] { events << QStringLiteral("unreadable"); };
         displays.displayList = {{kDisplay, kDisplay}};
         displays.pointer = {500, 500};
         preferences.setPosition(ShelfPosition::rightTop);
@@ -261,3 +262,42 @@ TEST_F(DragMonitorTest, NoDisplayNoEdge) {
 }
 
 }  // namespace
+
+// Through XWayland a drag between Wayland programs shows only as its pasteboard change: no button,
+// and under KWin no types either.
+struct SightCase {
+    const char* name;
+    DragMonitor::Sight sight;
+    const char* script;
+    const char* events;
+};
+
+class DragMonitorSight : public DragMonitorTest, public ::testing::WithParamInterface<SightCase> {};
+
+TEST_P(DragMonitorSight, ReportsEachStartAndNoEnd) {
+    const SightCase& c = GetParam();
+    monitor.setSight(c.sight);
+    monitor.start();
+    run(QString::fromLatin1(c.script));
+    EXPECT_EQ(events.join(u' ').toStdString(), c.events) << c.script;
+    // Nothing to poll: the button would always read as up.
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+constexpr DragMonitor::Sight kNoButton{.button = false, .types = true};
+constexpr DragMonitor::Sight kNothing{.button = false, .types = false};
+
+const SightCase kSightCases[] = {
+    {"fileWithoutButton", kNoButton, "file notify +1", "began"},
+    {"textWithoutButton", kNoButton, "text notify +1", ""},
+    {"typesLaterWithoutButton", kNoButton, "nothing notify addFile notify", "began"},
+    {"eachChangeOnce", kNoButton, "file notify notify file notify", "began began"},
+    {"unreadable", kNothing, "nothing notify +1", "unreadable"},
+    {"unreadableEvenWithTypes", kNothing, "file notify", "unreadable"},
+    {"unreadableEachChangeOnce", kNothing, "nothing notify notify nothing notify", "unreadable unreadable"},
+    {"unreadableShift", kNothing, "shift nothing notify", ""},
+    {"unreadableFromIgnored", kNothing, "fromIgnored nothing notify", ""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, DragMonitorSight, ::testing::ValuesIn(kSightCases),
+                         [](const ::testing::TestParamInfo<SightCase>& row) { return row.param.name; });
