@@ -34,7 +34,8 @@ _USER_FOLDER_KEYS = ("HOME", "XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME
 class Cases:
     """A registry of cases and their runner; `desktop_options` go to Desktop."""
 
-    def __init__(self, **desktop_options):
+    def __init__(self, desktop_class=Desktop, **desktop_options):
+        self.desktop_class = desktop_class
         self.desktop_options = desktop_options
         self._cases = []
 
@@ -56,7 +57,7 @@ class Cases:
             sys.exit(f"no such case: {', '.join(unknown)} (cases: {', '.join(known)})")
         chosen = [c for c in self._cases if not names or c[0] in names]
         results = {}
-        with Desktop(**self.desktop_options) as d:
+        with self.desktop_class(**self.desktop_options) as d:
             for name, function, fresh in chosen:
                 results[name] = self._run_one(d, name, function, fresh)
         failed = [name for name, result in results.items() if result == "failed"]
