@@ -7,7 +7,8 @@ enters it, and goes away for one that carries none or never comes.
 
 Cases: a file dragged from GTK lands on the shelf byte for byte; drags cancelled elsewhere take
 the strip, or the shelf they grew, away again; a text drag never grows the shelf; a file dragged
-out of the shelf arrives in a GTK drop target; and, only with MOSSWICK_KWIN_TIMINGS=N, N drags
+out of the shelf arrives in a GTK drop target; the shortcut (an X key grab) is heard only while an
+X window has the focus; and, only with MOSSWICK_KWIN_TIMINGS=N, N drags
 timed from their start to the strip and from the strip to the shelf."""
 
 import os
@@ -30,6 +31,7 @@ SOURCE = (800, 500)
 STRIP_X = 1598
 DROP_ROW = 920  # inside the shelf however many tiles it shows
 ON_SHELF = (1496, DROP_ROW)
+F5 = 63  # evdev
 
 cases = KWinCases()
 
@@ -169,6 +171,27 @@ def file_dragged_out_arrives_in_gtk(d):
     assert arrived in (path, staged_path(items[0])), (arrived, path)
     assert open(arrived, "rb").read() == open(path, "rb").read()
     print(f"ok: a tile dragged into a GTK window arrived as {drop['uris'][0]}")
+
+
+@cases.case
+def shortcut_reaches_only_from_x_windows(d):
+    watch = ShelfWatch(d)
+    gtk_source(d, "--file", sample(d))
+    Shelf(d)
+    # The X key grab sees nothing typed into a Wayland window.
+    start = time.monotonic()
+    d.pointer.key(F5)
+    time.sleep(1.5)
+    assert not watch.shelf(start), watch.shelf(start)
+    # With an X window active, it does.
+    rx = d.start_peer("receive", "--geometry", "200,200,300,200")
+    window = d.wait_mapped(rx)
+    d.wait_for(lambda: d.active_window() == window, 5, "the X window to be active")
+    start = time.monotonic()
+    d.pointer.key(F5)
+    shown = watch.wait("map", start, timeout=3)
+    print(f"ok: F5 typed into the GTK window never reached the shelf; typed into an X window it brought "
+          f"the shelf up in {shown - start:.2f} s")
 
 
 @cases.case

@@ -119,8 +119,8 @@ class _XSockets:
 
 
 class Pointer:
-    """The compositor's pointer, moved and pressed through fake input. Each command returns once
-    KWin has handled it, with the CLOCK_MONOTONIC time at which it was sent."""
+    """The compositor's pointer (and keyboard), moved and pressed through fake input. Each command
+    returns once KWin has handled it, with the CLOCK_MONOTONIC time at which it was sent."""
 
     def __init__(self, desktop):
         fifo = os.path.join(desktop.temp, "pointer.fifo")
@@ -151,6 +151,11 @@ class Pointer:
 
     def up(self):
         return self.send("up")
+
+    def key(self, code):
+        """Presses and releases the key of evdev code `code` (F5: 63) on KWin's keyboard."""
+        self.send(f"key {code} 1")
+        return self.send(f"key {code} 0")
 
     def start_drag(self, x, y):
         """Presses at (x, y) and moves past the toolkit's drag distance, as the findings' drags
