@@ -5,7 +5,8 @@
  *   abs X Y     move to (X, Y) in the compositor's logical pixels
  *   rel DX DY   move by (DX, DY): what a drag follows
  *   down | up   press or release the left button
- *   key CODE S  press (S = 1) or release (S = 0) the key of evdev code CODE
+ *   button CODE S, key CODE S
+ *               press (S = 1) or release (S = 0) the button or key of evdev code CODE
  * and answers each, once the compositor has handled it, with "done <CLOCK_MONOTONIC seconds at
  * which it was sent>" on standard output; "ready" first. Exits 1 without the protocol. */
 #include <linux/input-event-codes.h>
@@ -66,6 +67,8 @@ int main(void) {
             org_kde_kwin_fake_input_pointer_motion_absolute(fake_input, wl_fixed_from_double(x), wl_fixed_from_double(y));
         else if (sscanf(line, "rel %lf %lf", &x, &y) == 2)
             org_kde_kwin_fake_input_pointer_motion(fake_input, wl_fixed_from_double(x), wl_fixed_from_double(y));
+        else if (sscanf(line, "button %lf %lf", &x, &y) == 2)
+            org_kde_kwin_fake_input_button(fake_input, (uint32_t)x, (uint32_t)y);
         else if (sscanf(line, "key %lf %lf", &x, &y) == 2)
             org_kde_kwin_fake_input_keyboard_key(fake_input, (uint32_t)x, (uint32_t)y);
         else if (strncmp(line, "down", 4) == 0)

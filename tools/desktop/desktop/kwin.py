@@ -157,6 +157,13 @@ class Pointer:
         self.send(f"key {code} 1")
         return self.send(f"key {code} 0")
 
+    def click(self, x, y, button=0x110):
+        """Moves to (x, y) and clicks the button of evdev code `button` (right: 0x111)."""
+        self.move_to(x, y)
+        time.sleep(0.1)
+        self.send(f"button {button} 1")
+        return self.send(f"button {button} 0")
+
     def start_drag(self, x, y):
         """Presses at (x, y) and moves past the toolkit's drag distance, as the findings' drags
         do. Returns the time of the first move."""
@@ -255,6 +262,24 @@ class KWinDesktop(Desktop):
         super().close()
         if self._sockets:
             self._sockets.close()
+
+    def window_pixels(self, window):
+        """A window's own pixels as rows of (r, g, b): XWayland's root window shows nothing, so
+        `pixels` and `screenshot` cannot be had here."""
+        data = subprocess.run(["import", "-window", str(window), "-depth", "8", "ppm:-"], env=self.env,
+                              capture_output=True, timeout=30, check=True).stdout
+        header, offset = [], 0
+        while len(header) < 4:  # "P6 W H 255", then the samples
+            while data[offset:offset + 1].isspace():
+                offset += 1
+            end = offset
+            while not data[end:end + 1].isspace():
+                end += 1
+            header.append(data[offset:end])
+            offset = end
+        width, height = int(header[1]), int(header[2])
+        body = data[offset + 1:]
+        return [[tuple(body[(r * width + c) * 3:(r * width + c) * 3 + 3]) for c in range(width)] for r in range(height)]
 
     def start_gtk(self, *args, name="gtk"):
         """Starts the Wayland-native GTK peer (`src` or `dst`; see its --help) and returns it once
