@@ -193,6 +193,9 @@ def shortcut_reaches_only_from_x_windows(d):
     rx = d.start_peer("receive", "--geometry", "200,200,300,200")
     window = d.wait_mapped(rx)
     d.wait_for(lambda: d.active_window() == window, 5, "the X window to be active")
+    d.wait_for(lambda: d.run(["xdotool", "getwindowfocus"]).strip() == str(window), 5, "the X window's focus")
+    # KWin marks the window active before its keyboard's focus reaches XWayland.
+    time.sleep(0.5)
     start = time.monotonic()
     d.pointer.key(F5)
     shown = watch.wait("map", start, timeout=3)
