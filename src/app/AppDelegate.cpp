@@ -35,6 +35,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     monitor.onDragBegan = [&controller] { controller.dragBegan(); };
     monitor.onDragReachedEdge = [&controller] { controller.dragReachedEdge(); };
     monitor.onDragEnded = [&controller] { controller.dragEnded(); };
+    monitor.onUnreadableDragBegan = [&controller] { controller.unreadableDragBegan(); };
     monitor.start();
 
     HotKeyManager& hotKeys = services_.hotKeys;

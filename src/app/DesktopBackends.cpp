@@ -17,6 +17,7 @@
 #include "platform/freedesktop/PortalGlobalShortcuts.h"
 #include "platform/qt/QMimeDataPasteboard.h"
 #include "platform/qt/QtDisplayEnvironment.h"
+#include "platform/x11/KWinPanelHints.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopProbe.h"
 #include "platform/x11/X11DirectSaveReceiver.h"
@@ -85,7 +86,10 @@ DesktopBackends DesktopBackends::forThisSession() {
                                                 KdeGlobalShortcut::defaultApplicationsFolder());
 
     if (backends.x11_) {
-        backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
+        if (backends.session_ == DesktopSession::KdeWayland)
+            backends.panelHints_ = std::make_unique<KWinPanelHints>(backends.x11_->atoms());
+        else
+            backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);
         backends.dragTypes_ =
             std::make_unique<X11DragTypeOverride>(backends.x11_->atoms(), isWayland(backends.session_));

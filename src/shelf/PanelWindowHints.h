@@ -22,6 +22,10 @@ public:
     // Hands the keyboard focus on when the window holds it: a window that stays mapped aside
     // would keep it otherwise.
     virtual void giveUpFocus(quintptr window) = 0;
+    // Whether drops reach only an ordinary window that accepts the focus (KWin hands a drag's
+    // data to none other, and hides the utility windows of an inactive program): the panel is
+    // then such a window, shown without being activated.
+    virtual bool dropsNeedFocusableWindow() const { return false; }
 };
 
 // Where no window system can be asked: nothing to set, and a compositor is taken to run (Wayland

@@ -27,6 +27,9 @@ QtShelfPanelSurface::QtShelfPanelSurface(ShelfPanel* panel) : panel_(panel) {
     connect(&panel_->contentView(), &ShelfContentView::targetChanged, this, [this](bool targeted) {
         if (onTargetChange) onTargetChange(targeted);
     });
+    connect(&panel_->contentView(), &ShelfContentView::foreignDragEntered, this, [this](bool bringsShelfUp) {
+        if (onForeignDragEntered) onForeignDragEntered(bringsShelfUp);
+    });
     connect(panel_, &ShelfPanel::escapePressed, this, [this] {
         if (onEscape) onEscape();
     });

@@ -43,6 +43,15 @@ void ShelfContentView::paintEvent(QPaintEvent*) {
 void ShelfContentView::resizeEvent(QResizeEvent*) { shelfView_->setGeometry(rect()); }
 
 void ShelfContentView::dragEnterEvent(QDragEnterEvent* event) {
+    if (!event->source() && event->mimeData()) {
+        const bool wasVisible = isVisible();
+        emit foreignDragEntered(PasteboardTypes::bringsShelfUp(event->mimeData()->formats()));
+        // Put away for it: no leave would ever come to end the hover.
+        if (wasVisible && !isVisible()) {
+            event->ignore();
+            return;
+        }
+    }
     // Tiles dragged out of the shelf are not taken back by it.
     if (event->source() || !event->mimeData() ||
         !PasteboardTypes::takenOnDrop(event->mimeData()->formats())) {

@@ -34,6 +34,9 @@ public:
 signals:
     // A drag that the shelf takes came over it (true), or left, ended or dropped (false).
     void targetChanged(bool targeted);
+    // A drag from another program came over the shelf; whether its types would bring the shelf up
+    // by themselves (PasteboardTypes::bringsShelfUp), before it is taken or refused.
+    void foreignDragEntered(bool bringsShelfUp);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

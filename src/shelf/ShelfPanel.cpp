@@ -14,11 +14,21 @@
 
 namespace mosswick {
 
+namespace {
+
+Qt::WindowFlags panelFlags(const PanelWindowHints& hints) {
+    const Qt::WindowFlags always = Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+    if (hints.dropsNeedFocusableWindow()) return Qt::Window | always;
+    return Qt::Tool | always | Qt::WindowDoesNotAcceptFocus;
+}
+
+}  // namespace
+
 ShelfPanel::ShelfPanel(ShelfStore& store, ReducedMotion motion, PanelWindowHints& hints, QWidget* parent)
-    : QWidget(parent,
-              Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
+    : QWidget(parent, panelFlags(hints)),
       content_(new ShelfContentView(store, motion, this)),
-      hints_(hints) {
+      hints_(hints),
+      staysFocusable_(hints.dropsNeedFocusableWindow()) {
     setWindowTitle(QStringLiteral("Mosswick"));
     // Both must be set before the native window exists: the first picks a visual with alpha.
     setAttribute(Qt::WA_TranslucentBackground);
@@ -180,6 +190,7 @@ void ShelfPanel::takeFocus() {
 }
 
 void ShelfPanel::setAcceptsFocus(bool accepts) {
+    if (staysFocusable_) accepts = true;
     if (accepts == acceptsFocus()) return;
     const Qt::WindowFlags flags = windowFlags().setFlag(Qt::WindowDoesNotAcceptFocus, !accepts);
     // Told to the existing window: setting the widget's flags would recreate and unmap it.

@@ -83,6 +83,8 @@ private:
     ShelfContentView* content_;
     bool classicMaterial_ = false;
     PanelWindowHints& hints_;
+    // Drops reach it only while it accepts the focus (see PanelWindowHints).
+    const bool staysFocusable_;
     QRect frame_;
     bool confirmingPosition_ = false;
     bool standsAside_ = false;

@@ -58,6 +58,9 @@ public:
     // leaving it, ending or dropping (false); Escape pressed while the panel has the focus.
     std::function<void(bool targeted)> onTargetChange;
     std::function<void()> onEscape;
+    // A drag from another program entered the panel; whether it carries what brings the shelf up
+    // by itself (files, links, images: not text alone).
+    std::function<void(bool bringsShelfUp)> onForeignDragEntered;
 };
 
 }  // namespace mosswick

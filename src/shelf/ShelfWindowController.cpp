@@ -89,6 +89,23 @@ void ShelfWindowController::dragEnded() {
     applyPresentation(true, kDragEndedDelay);
 }
 
+void ShelfWindowController::unreadableDragBegan() {
+    if (!preferences_.automaticallyShow() || isShown_) return;
+    makePanelIfNeeded();
+    if (!stripShown_) {
+        stripShown_ = true;
+        ++transitionToken_;
+        panel_->setAlpha(1);
+        panel_->setFrame(stripFrame(pointerDisplay()));
+        panel_->orderFront();
+    }
+    // Each new drag is one more that may come this way.
+    stripWorkItem_ = scheduler_.after(kStripLifetime, [this] {
+        stripWorkItem_ = {};
+        withdrawStrip();
+    });
+}
+
 void ShelfWindowController::previewPlacement() {
     cancelPreview();
     presentation_.startPreview();
@@ -124,6 +141,7 @@ void ShelfWindowController::rebuildPanel() {
     if (panel_) panel_->orderOut();
     panel_.reset();
     isShown_ = false;
+    stripShown_ = false;
     applyPresentation(false, 0);
     standBy();
 }
@@ -170,6 +188,14 @@ void ShelfWindowController::makePanelIfNeeded() {
     panel_ = makePanel_(frame);
     panel_->onTargetChange = [this](bool targeted) { targetChanged(targeted); };
     panel_->onEscape = [this] { escape(); };
+    panel_->onForeignDragEntered = [this](bool bringsShelfUp) {
+        if (!stripShown_) return;
+        // Text and the like: the strip only stood there in case the drag brought files.
+        if (bringsShelfUp)
+            growFromStrip();
+        else
+            withdrawStrip();
+    };
     panel_->setAppearance(preferences_.appearance());
 }
 
@@ -180,6 +206,9 @@ void ShelfWindowController::show(bool animated) {
         setFrame(frame, animated);
         return;
     }
+    // Summoned over the strip: the panel is mapped already and comes in as it always does.
+    stripShown_ = false;
+    stripWorkItem_ = {};
     isShown_ = true;
     ++transitionToken_;
     // A shelf opened at the pointer appears in place: sliding in from the edge would make no sense.
@@ -206,6 +235,8 @@ void ShelfWindowController::show(bool animated) {
 void ShelfWindowController::hide(bool animated) {
     if (!panel_ || !isShown_) return;
     isShown_ = false;
+    holdsUnseenDrag_ = false;
+    unseenDragEndWorkItem_ = {};
     const qint64 token = ++transitionToken_;
     cursorAnchor_.reset();
     store_.setSelection({});
@@ -276,9 +307,52 @@ void ShelfWindowController::targetChanged(bool targeted) {
     if (targeted) {
         // A drag hovering over the shelf must not be cut short by a pending hide.
         hideWorkItem_ = {};
-    } else {
-        applyPresentation(true, kTargetLeftDelay);
+        unseenDragEndWorkItem_ = {};
+        return;
     }
+    // Left or dropped, a drag whose end is never seen is taken as over after a while.
+    if (holdsUnseenDrag_)
+        unseenDragEndWorkItem_ = scheduler_.after(kUnseenDragEndDelay, [this] {
+            unseenDragEndWorkItem_ = {};
+            holdsUnseenDrag_ = false;
+            dragEnded();
+        });
+    applyPresentation(true, kTargetLeftDelay);
+}
+
+// --- The strip of drags seen only as they start ------------------------------------------------
+
+ScreenRect ShelfWindowController::stripFrame(const Display& display) const {
+    // Along the whole usable edge on the shelf's side: a drag heading for the shelf meets it
+    // wherever it reaches that edge.
+    const ScreenRect& usable = display.visibleFrame;
+    const double x =
+        WindowPlacement::isLeftSide(preferences_.position()) ? usable.minX() : usable.maxX() - kStripWidth;
+    return {x, usable.minY(), kStripWidth, usable.height};
+}
+
+void ShelfWindowController::growFromStrip() {
+    stripShown_ = false;
+    stripWorkItem_ = {};
+    holdsUnseenDrag_ = true;
+    presentation_.dragBegan();
+    isShown_ = true;
+    ++transitionToken_;
+    // Grown in place, not slid in from beyond the edge: the drag is over the window, and a window
+    // that left the pointer even for a moment would lose it.
+    const ScreenRect frame = targetFrame(pointerDisplay());
+    if (mayAnimate())
+        panel_->animate({frame, 1.0, kSlideInDuration, AnimationCurve::easeOut}, {});
+    else
+        panel_->setFrame(frame);
+}
+
+void ShelfWindowController::withdrawStrip() {
+    if (!stripShown_) return;
+    stripShown_ = false;
+    stripWorkItem_ = {};
+    ++transitionToken_;
+    if (panel_) panel_->orderOut();
 }
 
 // --- Observations ------------------------------------------------------------------------------

@@ -33,6 +33,12 @@ public:
     static constexpr double kPreviewDuration = 1.8;
     static constexpr double kDragEndedDelay = 0.3;
     static constexpr double kTargetLeftDelay = 0.4;
+    // Where drags are seen only as they start (KWin): the strip that stands in for the shelf.
+    static constexpr double kStripWidth = 4;
+    static constexpr double kStripLifetime = 6;
+    // How long a shelf brought up by such a drag stays after the drag left it: nothing tells
+    // whether it ended elsewhere or comes back.
+    static constexpr double kUnseenDragEndDelay = 4;
 
     // Makes the panel, first placed at the given frame; called on the first show.
     using PanelFactory = std::function<std::unique_ptr<ShelfPanelSurface>(const ScreenRect& frame)>;
@@ -72,6 +78,12 @@ public:
     void dragBegan();
     void dragReachedEdge();
     void dragEnded();
+    // A drag began whose types cannot be read from here, and whose end will not be seen. A slim
+    // strip stands at the shelf's edge, where drags can reach it; it grows into the shelf when a
+    // drag that would bring the shelf up enters it and goes away when another does, or when none
+    // came for `kStripLifetime`.
+    void unreadableDragBegan();
+    bool isStripShown() const { return stripShown_; }
     // Shows where and how big the shelf will be after a position or size was picked.
     void previewPlacement();
     // Ends a preview without re-evaluating.
@@ -109,6 +121,9 @@ private:
     double outwards() const;
     void placeAgainIfShown(bool animated);
     void targetChanged(bool targeted);
+    ScreenRect stripFrame(const Display& display) const;
+    void growFromStrip();
+    void withdrawStrip();
 
     void observePreferences();
     void preferenceChanged(Preference preference);
@@ -132,6 +147,11 @@ private:
     ScheduledTask previewWorkItem_;
     std::optional<ScreenPoint> cursorAnchor_;
     qint64 transitionToken_ = 0;
+    bool stripShown_ = false;
+    ScheduledTask stripWorkItem_;
+    // Set while the shelf is up for a drag whose end cannot be seen.
+    bool holdsUnseenDrag_ = false;
+    ScheduledTask unseenDragEndWorkItem_;
 
     QObject observations_;
     std::vector<ScheduledTask> deliveries_;

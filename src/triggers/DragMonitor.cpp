@@ -129,6 +129,13 @@ void DragMonitor::evaluate() {
         pendingChange_.reset();
         return;
     }
+    if (!sight_.readsTypes) {
+        lastChangeCount_ = changeCount;
+        pendingChange_.reset();
+        if (probe_.isShiftDown() || !shouldReactToCurrentApp()) return;
+        onUnreadableDragBegan();
+        return;
+    }
     if (!carriesSomethingShelvable()) {
         holdForRestaging(changeCount);
         return;

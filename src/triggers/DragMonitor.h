@@ -43,6 +43,9 @@ public:
     std::function<void()> onDragBegan = [] {};
     std::function<void()> onDragEnded = [] {};
     std::function<void()> onDragReachedEdge = [] {};
+    // A drag began whose types cannot be read from here (only where `DragSight::readsTypes` is
+    // off): it may carry nothing the shelf takes. Its end is never reported.
+    std::function<void()> onUnreadableDragBegan = [] {};
 
     // What this session shows of other programs' drags; a plain X server's sight until set.
     void setSight(DragSight sight) { sight_ = sight; }

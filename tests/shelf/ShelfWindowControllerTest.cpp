@@ -456,3 +456,126 @@ TEST_F(ShelfWindowControllerTest, ThePanelTakesTheAppearancePreference) {
 }
 
 }  // namespace
+
+// Drags seen only as they start, their types and end hidden (KWin): a strip along the shelf's
+// usable edge stands in for the shelf until a drag comes over it.
+class UnseenDragStripTest : public ShelfWindowControllerTest {
+protected:
+    UnseenDragStripTest() { controller->setPointerAlwaysKnown(false); }
+
+    // A drag the shelf takes comes over the strip, which grows into the shelf.
+    void catchDrag() {
+        controller->unreadableDragBegan();
+        panel->onForeignDragEntered(true);
+        panel->onTargetChange(true);
+        panel->finishAnimations();
+        log();
+    }
+};
+
+const char* const kStrip = "frame 1436,40 4x835";
+
+struct StripCase {
+    const char* name;
+    // Steps: "drag" (a drag starts); "files", "text", "refused" (a drag of files or of text, which
+    // the shelf takes, or one it refuses, enters the panel); "left"; "+S" (seconds pass).
+    const char* steps;
+    std::vector<std::string> log;
+    bool stripShown;
+    bool shelfShown;
+};
+
+class UnseenDragStrip : public UnseenDragStripTest, public ::testing::WithParamInterface<StripCase> {};
+
+TEST_P(UnseenDragStrip, Lifecycle) {
+    const StripCase& c = GetParam();
+    for (const QString& step : QString::fromLatin1(c.steps).split(u' ', Qt::SkipEmptyParts)) {
+        if (step == u"drag")
+            controller->unreadableDragBegan();
+        else if (step == u"files") {
+            panel->onForeignDragEntered(true);
+            panel->onTargetChange(true);
+        } else if (step == u"text") {  // taken on a drop, but no reason to come up
+            panel->onForeignDragEntered(false);
+            panel->onTargetChange(true);
+        } else if (step == u"refused")
+            panel->onForeignDragEntered(false);
+        else if (step == u"left")
+            panel->onTargetChange(false);
+        else if (step.startsWith(u'+'))
+            clock.advance(step.mid(1).toDouble());
+        else
+            ADD_FAILURE() << "unknown step " << step.toStdString();
+    }
+    EXPECT_THAT(log(), ::testing::ElementsAreArray(c.log)) << c.steps;
+    EXPECT_EQ(controller->isStripShown(), c.stripShown) << c.steps;
+    EXPECT_EQ(controller->isShown(), c.shelfShown) << c.steps;
+}
+
+const StripCase kStripCases[] = {
+    {"stripAtTheUsableEdge", "drag", {"alpha 1", kStrip, "front"}, true, false},
+    // Grown where it stands: a slide from beyond the edge would take the window from under the drag.
+    {"growsForFiles",
+     "drag files",
+     {"alpha 1", kStrip, "front", "animate 1238,46 196x144 alpha 1 0.26s ease-out"},
+     false,
+     true},
+    {"goesForTextAlone", "drag text", {"alpha 1", kStrip, "front", "out"}, false, false},
+    {"goesForADragItRefuses", "drag refused", {"alpha 1", kStrip, "front", "out"}, false, false},
+    {"goesWhenNoDragCame", "drag +5.9", {"alpha 1", kStrip, "front"}, true, false},
+    {"goneAfterItsLifetime", "drag +6", {"alpha 1", kStrip, "front", "out"}, false, false},
+    {"eachDragRestartsItsLifetime", "drag +5 drag +5", {"alpha 1", kStrip, "front"}, true, false},
+    // The strip's lifetime no longer counts once it grew.
+    {"grownShelfOutlivesTheStrip",
+     "drag files +10",
+     {"alpha 1", kStrip, "front", "animate 1238,46 196x144 alpha 1 0.26s ease-out"},
+     false,
+     true},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, UnseenDragStrip, ::testing::ValuesIn(kStripCases),
+                         [](const ::testing::TestParamInfo<StripCase>& row) { return row.param.name; });
+
+TEST_F(UnseenDragStripTest, AShelfLeftByTheDragGoesAfterADelayEvenWithThePointerSeeminglyOverIt) {
+    catchDrag();
+    // Through XWayland the pointer is reported where it last was over an X window: on the shelf.
+    environment.pointer = {kOneSlot.center().x, kOneSlot.center().y};
+    panel->onTargetChange(false);
+    clock.advance(ShelfWindowController::kUnseenDragEndDelay - 0.1);
+    EXPECT_TRUE(controller->isShown());
+    // Coming back in time keeps it.
+    panel->onTargetChange(true);
+    clock.advance(10);
+    EXPECT_TRUE(controller->isShown());
+
+    panel->onTargetChange(false);
+    clock.advance(ShelfWindowController::kUnseenDragEndDelay + ShelfWindowController::kDragEndedDelay);
+    EXPECT_THAT(log(), Contains(kSlideOut));
+    EXPECT_FALSE(controller->isShown());
+}
+
+TEST_F(UnseenDragStripTest, NoStripWhereTheShelfIsUpOrShouldNotComeByItself) {
+    showForDrag();
+    controller->unreadableDragBegan();
+    EXPECT_THAT(log(), IsEmpty());
+    EXPECT_FALSE(controller->isStripShown());
+
+    controller->escape();
+    panel->finishAnimations();
+    log();
+    preferences.setAutomaticallyShow(false);
+    controller->unreadableDragBegan();
+    EXPECT_THAT(log(), IsEmpty());
+    EXPECT_FALSE(controller->isStripShown());
+}
+
+TEST_F(UnseenDragStripTest, SummonedOverTheStripTheShelfSlidesInAsUsual) {
+    controller->unreadableDragBegan();
+    log();
+    controller->summon();
+    EXPECT_FALSE(controller->isStripShown());
+    EXPECT_TRUE(controller->isShown());
+    EXPECT_THAT(log(), Contains(kSlideIn));
+    clock.advance(ShelfWindowController::kStripLifetime);
+    EXPECT_THAT(log(), Not(Contains("out")));
+}

@@ -11,6 +11,7 @@
 using mosswick::DesktopProbe;
 using mosswick::Display;
 using mosswick::DragMonitor;
+using mosswick::DragSight;
 using mosswick::MemoryDefaultsStore;
 using mosswick::Preferences;
 using mosswick::ScreenPoint;
@@ -54,6 +55,7 @@ protected:
         monitor.onDragBegan = [this] { events << QStringLiteral("began"); };
         monitor.onDragEnded = [this] { events << QStringLiteral("ended"); };
         monitor.onDragReachedEdge = [this] { events << QStringLiteral("edge"); };
+        monitor.onUnreadableDragBegan = [this] { events << QStringLiteral("unreadable"); };
         displays.displayList = {{kDisplay, kDisplay}};
         displays.pointer = {500, 500};
         preferences.setPosition(ShelfPosition::rightTop);
@@ -317,3 +319,37 @@ TEST_F(DragMonitorTest, NoDisplayNoEdge) {
 }
 
 }  // namespace
+
+// Under KWin a drag between Wayland programs shows only as its pasteboard change: no button and
+// no types, so each change is reported once as a drag whose types are unknown.
+struct SightCase {
+    const char* name;
+    DragSight sight;
+    const char* script;
+    const char* events;
+};
+
+class DragMonitorSight : public DragMonitorTest, public ::testing::WithParamInterface<SightCase> {};
+
+TEST_P(DragMonitorSight, ReportsEachStartAndNoEnd) {
+    const SightCase& c = GetParam();
+    monitor.setSight(c.sight);
+    monitor.start();
+    run(QString::fromLatin1(c.script));
+    EXPECT_EQ(events.join(u' ').toStdString(), c.events) << c.script;
+    // Nothing to poll: the button would always read as up.
+    EXPECT_EQ(clock.pendingTimers(), 0u);
+}
+
+constexpr DragSight kNothing{.followsPointer = false, .readsTypes = false};
+
+const SightCase kSightCases[] = {
+    {"unreadable", kNothing, "nothing notify +1", "unreadable"},
+    {"unreadableEvenWithTypes", kNothing, "file notify", "unreadable"},
+    {"unreadableEachChangeOnce", kNothing, "nothing notify notify nothing notify", "unreadable unreadable"},
+    {"unreadableShift", kNothing, "shift nothing notify", ""},
+    {"unreadableFromIgnored", kNothing, "fromIgnored nothing notify", ""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Table, DragMonitorSight, ::testing::ValuesIn(kSightCases),
+                         [](const ::testing::TestParamInfo<SightCase>& row) { return row.param.name; });

@@ -101,6 +101,7 @@ int watchDesktop() {
     struct Seen {
         QString name;
         bool shown = false;
+        int width = 0;
     };
     std::map<Window, Seen> seen;
     auto report = [&](const char* kind, Window window, const QString& name, double time) {
@@ -124,6 +125,16 @@ int watchDesktop() {
             if (known == seen.end()) continue;
             const XConfigureEvent& c = event.xconfigure;
             const bool shown = onRoot(display, root, c.x, c.y, c.width, c.height);
+            // Every change of size: a window may grow from a sliver into its full frame.
+            if (c.width != known->second.width) {
+                known->second.width = c.width;
+                print({{"event", "size"},
+                       {"window", qint64(c.window)},
+                       {"class", known->second.name},
+                       {"width", c.width},
+                       {"height", c.height},
+                       {"time", time}});
+            }
             if (shown == known->second.shown) continue;
             known->second.shown = shown;
             report(shown ? "map" : "unmap", c.window, known->second.name, time);

@@ -27,8 +27,13 @@ class ShelfWatch:
 
     def shelf(self, since=0.0, until=None):
         """The shelf's "map" and "unmap" events between `since` and `until`."""
-        return [e for e in self.events(since) if e.get("class") == SHELF_CLASS and
-                (until is None or e["time"] <= until)]
+        return [e for e in self.events(since) if e.get("class") == SHELF_CLASS and e["event"] in ("map", "unmap")
+                and (until is None or e["time"] <= until)]
+
+    def sizes(self, since=0.0):
+        """(time, width, height) of each change of the shelf window's size at or after `since`."""
+        return [(e["time"], e["width"], e["height"]) for e in self.events(since)
+                if e.get("class") == SHELF_CLASS and e["event"] == "size"]
 
     def drag_starts(self, since=0.0, until=None):
         """Times at which some program took the drag selection (began a drag)."""
