@@ -172,6 +172,11 @@ void ShelfStore::takeSavedShelf(SavedShelf saved) {
     // the shelf below them up to the limit; the rest is the oldest batch of the removal history.
     const qint64 limit = preferences_.maximumItemCount();
     const bool hadItems = !items_.empty();
+    // Every record is kept already; what was added meanwhile, or removed and may come back, too.
+    std::set<QUuid> keeping = std::move(saved.keeping);
+    for (const ShelfItem& item : items_) keeping.insert(item.id);
+    for (const Batch& batch : removalHistory_)
+        for (const ShelfItem& item : batch) keeping.insert(item.id);
     if (items_.empty()) {
         items_ = std::move(saved.shown);
     } else {
@@ -184,10 +189,6 @@ void ShelfStore::takeSavedShelf(SavedShelf saved) {
             items_.erase(firstOverflow, items_.end());
         }
     }
-    std::set<QUuid> keeping = std::move(saved.keeping);
-    for (const ShelfItem& item : items_) keeping.insert(item.id);
-    for (const Batch& batch : removalHistory_)
-        for (const ShelfItem& item : batch) keeping.insert(item.id);
     if (!saved.overflow.empty()) {
         qCWarning(lcStore) << "The saved shelf held" << saved.overflow.size()
                            << "items past the limit; they can be brought back";
