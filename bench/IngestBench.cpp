@@ -102,6 +102,8 @@ struct Shelf {
     MemoryDefaultsStore defaults;
     Preferences preferences{defaults};
     QtScheduler scheduler;
+    // Each drop starts from an empty shelf, not from what the one before saved.
+    bool startsEmpty = std::filesystem::remove(AppFiles::saveFile());
     ShelfStore store{preferences, scheduler, AppFiles::saveFile()};
     IngestServices services{scheduler, preferences, store};
     NoDesktopMotionSetting motion;
@@ -118,9 +120,11 @@ void BM_Drop1000Files(benchmark::State& state) {
         longest = std::max(longest, seconds);
         shelf.takeInCopies();
     }
-    // The drop is one stretch of the main thread. (Every run reports the same counters.)
+    // The drop is one stretch of the main thread, all of it work. (Every run reports the same
+    // counters.)
     state.counters["longest_ms"] = longest * 1000;
     state.counters["p99_ms"] = longest * 1000;
+    state.counters["longest_work_ms"] = longest * 1000;
 }
 BENCHMARK(BM_Drop1000Files)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 
