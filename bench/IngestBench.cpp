@@ -102,6 +102,8 @@ struct Shelf {
     MemoryDefaultsStore defaults;
     Preferences preferences{defaults};
     QtScheduler scheduler;
+    // Each drop starts from an empty shelf, not from what the one before saved.
+    bool startsEmpty = std::filesystem::remove(AppFiles::saveFile());
     ShelfStore store{preferences, scheduler, AppFiles::saveFile()};
     IngestServices services{scheduler, preferences, store};
     NoDesktopMotionSetting motion;
@@ -118,14 +120,16 @@ void BM_Drop1000Files(benchmark::State& state) {
         longest = std::max(longest, seconds);
         shelf.takeInCopies();
     }
-    // The drop is one stretch of the main thread. (Every run reports the same counters.)
+    // The drop is one stretch of the main thread, all of it work. (Every run reports the same
+    // counters.)
     state.counters["longest_ms"] = longest * 1000;
     state.counters["p99_ms"] = longest * 1000;
+    state.counters["longest_work_ms"] = longest * 1000;
 }
 BENCHMARK(BM_Drop1000Files)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 
 void BM_TakeIn1000Copies(benchmark::State& state) {
-    double longest = 0, p99 = 0;
+    double longest = 0, p99 = 0, longestWork = 0;
     for (auto _ : state) {
         Shelf shelf(state.range(0) != 0);
         shelf.drop();
@@ -133,10 +137,14 @@ void BM_TakeIn1000Copies(benchmark::State& state) {
         state.SetIterationTime(shelf.takeInCopies());
         longest = std::max(longest, stalls.longest());
         p99 = std::max(p99, stalls.percentile(0.99));
+        longestWork = std::max(longestWork, stalls.longestWork());
     }
-    // The worst of the drops: what the user sees is a stall, not the sum.
+    // The worst of the drops: what the user sees is a stall, not the sum. Its wall time is
+    // stretched by the copying threads and by anything else this machine runs; the main thread's
+    // own processor time in its longest stretch is the share that is ours.
     state.counters["longest_ms"] = longest * 1000;
     state.counters["p99_ms"] = p99 * 1000;
+    state.counters["longest_work_ms"] = longestWork * 1000;
 }
 BENCHMARK(BM_TakeIn1000Copies)->Arg(0)->Arg(1)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 

@@ -3,7 +3,9 @@
 # (target: at most 30 ms), and its time to take in the finished copies, which are made on other
 # threads. Each without and with the shelf's view redrawing; the mean of 5 drops. Taking in the
 # copies is also reported as the main thread's longest single stall and its 99th percentile
-# (the worst of the 5 drops): a stall is what the user sees (target: 16 ms, one frame). And a
+# (the worst of the 5 drops): a stall is what the user sees (target: 16 ms, one frame), and the
+# main thread's own processor time in its longest stretch (the wall clock of a busy machine
+# stretches the stalls with other threads' and programs' work). And a
 # drop of 100 MB of text: the main thread's longest stretch of work from the drop until the text
 # is on disk (target: at most 16 ms), Qt's own reading of the drop from X not included.
 set -euo pipefail
@@ -20,8 +22,9 @@ export XDG_DATA_HOME="$sandbox/data" XDG_CONFIG_HOME="$sandbox/config" QT_QPA_PL
   /^"BM_/ { gsub(/"/, "", $1)
             longest = ("longest_ms" in column) ? $column["longest_ms"] : ""
             p99 = ("p99_ms" in column) ? $column["p99_ms"] : ""
-            print $1, $3, (longest == "" ? "-" : longest), (p99 == "" ? "-" : p99) }' |
-while read -r name ms longest p99; do
+            work = ("longest_work_ms" in column) ? $column["longest_work_ms"] : ""
+            print $1, $3, (longest == "" ? "-" : longest), (p99 == "" ? "-" : p99), (work == "" ? "-" : work) }' |
+while read -r name ms longest p99 work; do
   seconds=$(echo "$ms / 1000" | bc -l)
   case $name in
     BM_Drop1000Files/0/*) row "drop 1,000 files: main thread" "$seconds" "-" "-" "<= 0.030 s" ;;
@@ -38,5 +41,8 @@ while read -r name ms longest p99; do
   if [ "$longest" != "-" ]; then
     row "$label: longest stall" "$(echo "$longest / 1000" | bc -l)" "-" "-" "<= 0.016 s"
     row "$label: 99th percentile stall" "$(echo "$p99 / 1000" | bc -l)" "-" "-" "<= 0.016 s"
+  fi
+  if [ "$work" != "-" ]; then
+    row "$label: longest stall's own work" "$(echo "$work / 1000" | bc -l)" "-" "-" "<= 0.016 s (main thread's CPU)"
   fi
 done

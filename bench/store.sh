@@ -3,8 +3,9 @@
 # restore of 20,000 records whose originals moved, so that every bookmark must be searched: the
 # main thread's longest stretch of work while they are looked into (target: at most 16 ms), the
 # longest gap between its 1 ms ticks on the wall clock (which other threads and programs
-# competing for this machine's cores stretch), the one read of the records at start, and how
-# long the background takes to look into all of them.
+# competing for this machine's cores stretch), the one read of the records at start (off the main
+# thread: until the records are on the shelf), the main thread's longest stretch from the start
+# until then, and how long the background takes to look into all of them.
 set -euo pipefail
 build=${1:-build}
 here=$(cd "$(dirname "$0")" && pwd)
@@ -25,7 +26,9 @@ done
 "$build/bench/store_bench" --stalls 2>/dev/null |
 while read -r name seconds; do
   case $name in
-    moved20000_all_shown_restore) row "20,000 moved: read the records (once, at start)" "$seconds" "-" "-" "absolute (before the event loop)" ;;
+    moved20000_all_shown_restore) row "20,000 moved: read the records (once, at start)" "$seconds" "-" "-" "absolute (in the background)" ;;
+    moved20000_all_shown_start_longest_stall) row "20,000 moved: start to restored, longest stretch" "$seconds" "-" "-" "<= 0.016 s (wall clock, busy 2 cores)" ;;
+    moved20000_all_shown_start_longest_work) row "20,000 moved: start to restored, longest work" "$seconds" "-" "-" "<= 0.016 s" ;;
     moved20000_all_shown_longest_work) row "20,000 moved: longest main-thread work" "$seconds" "-" "-" "<= 0.016 s" ;;
     moved20000_all_shown_longest_stall) row "20,000 moved: longest gap between 1 ms ticks" "$seconds" "-" "-" "<= 0.016 s (wall clock, busy 2 cores)" ;;
     moved20000_all_shown_all_looked_into) row "20,000 moved: all looked into (background)" "$seconds" "-" "-" "absolute" ;;

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <set>
+#include <utility>
 #include <unistd.h>
 
 #include "app/CommandLine.h"
@@ -170,7 +171,12 @@ private:
     ScheduledTask task_;
 };
 
-ShelfCommands::ShelfCommands(Services services) : services_(std::move(services)) {}
+ShelfCommands::ShelfCommands(Services services) : services_(std::move(services)) {
+    QObject::connect(&services_.store, &ShelfStore::restored, &observations_, [this] {
+        for (auto& [arguments, respond] : std::exchange(waitingForRestore_, {}))
+            run(arguments, std::move(respond));
+    });
+}
 
 ShelfCommands::~ShelfCommands() = default;
 
@@ -188,6 +194,14 @@ void ShelfCommands::run(const std::vector<QByteArray>& arguments, Respond respon
     }
     const CommandLine::Command& command = invocation.command;
     ShelfStore& store = services_.store;
+    // Answered from a part of the shelf, these would list or act on too little; adding is merged
+    // with the saved items when they arrive, and the rest does not look at the items.
+    const bool readsTheShelf = command.verb == Verb::list || command.verb == Verb::remove ||
+                               command.verb == Verb::clear || command.verb == Verb::restore;
+    if (readsTheShelf && !store.isRestored()) {
+        waitingForRestore_.emplace_back(arguments, std::move(respond));
+        return;
+    }
     CommandReply reply;
     switch (command.verb) {
         case Verb::add:

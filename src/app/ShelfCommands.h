@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QJsonObject>
+#include <QObject>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -48,7 +49,8 @@ public:
     ShelfCommands& operator=(const ShelfCommands&) = delete;
 
     // `arguments` as CommandLine::toArguments writes them (paths absolute). `respond` is called
-    // once, now or on a later turn of the main loop. No arguments: a plain second launch.
+    // once, now or on a later turn of the main loop. No arguments: a plain second launch. What
+    // reads or changes the items already on the shelf waits until the saved ones have arrived.
     void run(const std::vector<QByteArray>& arguments, Respond respond);
 
     // One item as `list --json` prints it (an element of its array).
@@ -71,6 +73,8 @@ private:
 
     Services services_;
     std::vector<std::unique_ptr<Run>> runs_;
+    std::vector<std::pair<std::vector<QByteArray>, Respond>> waitingForRestore_;
+    QObject observations_;
 };
 
 }  // namespace mosswick

@@ -51,7 +51,7 @@ ShelfView::ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent)
     connect(&store_, &ShelfStore::noticeChanged, this, &ShelfView::noticeChanged);
 
     highlight_->raise();
-    itemsChanged();
+    updateTiles(TileListView::FileCheck::changedTilesOnly);
     noticeChanged();
     highlight_->setLit(store_.isTargeted());
 }
@@ -79,9 +79,20 @@ void ShelfView::setOriginCheck(TileDescription::OriginCheck check) {
     refresh();
 }
 
-void ShelfView::refresh() { itemsChanged(TileListView::FileCheck::again); }
+void ShelfView::refresh() { updateTiles(TileListView::FileCheck::again); }
 
-void ShelfView::itemsChanged(TileListView::FileCheck check) {
+void ShelfView::itemsChanged() {
+    if (tileUpdate_.isPending()) return;
+    tileUpdate_ = store_.scheduler().after(
+        kTileUpdateDelay, [this] { updateTiles(TileListView::FileCheck::changedTilesOnly); });
+}
+
+void ShelfView::updateTilesNow() {
+    if (tileUpdate_.isPending()) updateTiles(TileListView::FileCheck::changedTilesOnly);
+}
+
+void ShelfView::updateTiles(TileListView::FileCheck check) {
+    tileUpdate_.cancel();
     const bool isEmpty = store_.items().empty();
     toolbar_->setState(ShelfToolbarState::of(store_), static_cast<qsizetype>(store_.items().size()));
     // Shown before it is filled, so the first tiles grow in rather than just appear.
@@ -92,6 +103,8 @@ void ShelfView::itemsChanged(TileListView::FileCheck check) {
 }
 
 void ShelfView::selectionChanged() {
+    // The keyboard and the selection act on the tiles as the store has them now.
+    updateTilesNow();
     tiles_->setSelection(store_.selection());
     // A click moved the selection away from where the keyboard stood: the keyboard follows it.
     if (cursorKey_) {
@@ -170,6 +183,7 @@ void ShelfView::keyPressEvent(QKeyEvent* event) {
 
 bool ShelfView::perform(ShelfKeys::Command command) {
     using Command = ShelfKeys::Command;
+    updateTilesNow();
     const std::vector<ShelfTile> tiles = ShelfStore::tiles(store_.items());
     const auto at = cursor(tiles);
     // The tile the keyboard stands on, when it is selected: what the tile menu would be opened on.

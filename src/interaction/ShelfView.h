@@ -8,6 +8,7 @@
 #include "interaction/ShelfKeys.h"
 #include "interaction/TileDescription.h"
 #include "interaction/TileListView.h"
+#include "model/Scheduler.h"
 #include "model/ShelfTile.h"
 
 class QLabel;
@@ -23,11 +24,15 @@ class TileListView;
 
 // The content of the shelf panel: the toolbar, then the tiles or, on an empty shelf, a hint on
 // what to do, and the drop highlight over it all while a drag hovers on the shelf. It keeps no
-// state of its own; everything it shows is read from the store when the store changes.
+// state of its own; everything it shows is read from the store when the store changes, at most
+// once a frame: a burst of changes (a big drop's copies, a restore's findings) is one update.
 class ShelfView : public QWidget {
     Q_OBJECT
 
 public:
+    // How long the tiles may lag behind a change of the store: one frame.
+    static constexpr double kTileUpdateDelay = 1.0 / 60;
+
     ShelfView(ShelfStore& store, ReducedMotion motion, QWidget* parent = nullptr);
     ~ShelfView() override;
 
@@ -39,6 +44,8 @@ public:
     void setOriginCheck(TileDescription::OriginCheck check);
     // Reads the store again, and the file system for originals that went missing meanwhile.
     void refresh();
+    // Brings the tiles up to date now when a change of the store waits for the next frame.
+    void updateTilesNow();
 
     ShelfToolbar& toolbar() { return *toolbar_; }
     TileListView& tileList() { return *tiles_; }
@@ -65,7 +72,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void itemsChanged(TileListView::FileCheck check = TileListView::FileCheck::changedTilesOnly);
+    void itemsChanged();
+    void updateTiles(TileListView::FileCheck check);
     void placeParts();
     void noticeChanged();
     void selectionChanged();
@@ -88,6 +96,8 @@ private:
     // The tiles the keyboard stands on and extends from, by their keys: rows shift as items come.
     std::optional<QUuid> cursorKey_;
     std::optional<QUuid> anchorKey_;
+    // The update of the tiles waiting for the next frame.
+    ScheduledTask tileUpdate_;
 };
 
 }  // namespace mosswick

@@ -3,6 +3,7 @@
 #include <QHash>
 #include <algorithm>
 #include <map>
+#include <mutex>
 #include <sys/stat.h>
 
 #include "model/AppFiles.h"
@@ -55,70 +56,174 @@ void ShelfStore::setTargeted(bool targeted) {
     emit targetedChanged();
 }
 
-void ShelfStore::restore() {
-    AtomicFile::removeLeftovers(saveFile_->path());
+// What the save file and the staging folder held at start, gathered off the main thread.
+struct ShelfStore::SavedShelf {
+    ShelfSaveFile::Contents::State state = ShelfSaveFile::Contents::State::missing;
+    // The records, split at the item limit: the rest waits in the removal history.
+    std::vector<ShelfItem> shown;
+    Batch overflow;
+    // A copy of every record, for the check of what the disk says of them.
+    std::vector<ShelfItem> toCheck;
+    std::set<QUuid> keeping;
+    // The staging folder's entries, listed before the records are taken: folders that drops make
+    // later are never on the list, so pruning against it cannot take their copies.
+    std::vector<std::string> listed;
+    std::optional<qint64> recoverSince;
+    // A damaged save file: where it was set aside, and the items rebuilt from the staging folder.
+    std::optional<std::filesystem::path> setAside;
+    std::vector<ShelfItem> recovered;
+};
+
+// Whoever reads the saved shelf first, the background or a flush() that cannot wait for it, takes
+// it; the other finds it taken (or its result waiting) and does not read it again.
+struct ShelfStore::PendingRead {
+    std::mutex mutex;
+    bool claimed = false;
+    std::optional<SavedShelf> result;
+};
+
+ShelfStore::SavedShelf ShelfStore::readSavedShelf(const ShelfSaveFile& file, bool restoreItems,
+                                                  qint64 limit) {
+    SavedShelf saved;
+    saved.listed = ItemStaging::entries();
+    if (!restoreItems) return saved;
     // Copies that finished after the last save (or with no save yet) were on the shelf when it was
     // stopped without a chance to save them: they come back rather than being pruned.
-    std::optional<qint64> recoverSince;
-    if (preferences_.restoreItemsOnLaunch()) {
-        struct stat info {};
-        recoverSince = ::stat(saveFile_->path().c_str(), &info) == 0
-                           ? info.st_mtim.tv_sec - static_cast<qint64>(kUnsavedCopyMargin)
-                           : 0;
-        ShelfSaveFile::Contents saved = saveFile_->read();
-        if (saved.state == ShelfSaveFile::Contents::State::damaged) {
-            recoverFromDamagedSaveFile();
-            return;
+    struct stat info {};
+    saved.recoverSince = ::stat(file.path().c_str(), &info) == 0
+                             ? info.st_mtim.tv_sec - static_cast<qint64>(kUnsavedCopyMargin)
+                             : 0;
+    ShelfSaveFile::Contents contents = file.read();
+    saved.state = contents.state;
+    if (contents.state == ShelfSaveFile::Contents::State::damaged) {
+        // The save file is the only list of what the staging area holds: pruning against a file
+        // that could not be read would delete every copy. Keep them all, and make the shelf from them.
+        saved.setAside = file.setAside();
+        saved.recovered = ItemStaging::recoverItems();
+        return saved;
+    }
+    // A shelf saved by an older version or edited by hand may hold far more than the limit: the
+    // rest waits in the removal history, copies kept, instead of freezing the first drop.
+    for (ShelfItem& item : contents.items) {
+        if (!ItemStaging::holdsItsOwnCopy(item)) {
+            qCWarning(lcStore) << "Dropped a saved record whose copy lies outside its own folder:"
+                               << item.id.toString(QUuid::WithoutBraces);
+            continue;
         }
-        // A shelf saved by an older version or edited by hand may hold far more than the limit:
-        // the rest waits in the removal history, copies kept, instead of freezing the first drop.
-        const qint64 limit = preferences_.maximumItemCount();
-        Batch overflow;
-        for (ShelfItem& item : saved.items) {
-            if (!ItemStaging::holdsItsOwnCopy(item)) {
-                qCWarning(lcStore) << "Dropped a saved record whose copy lies outside its own folder:"
-                                   << item.id.toString(QUuid::WithoutBraces);
-                continue;
+        // Searching for a moved original takes a millisecond or more each: never on the main thread.
+        if (item.originBookmark) item.originSearch = ShelfItem::OriginSearch::sought;
+        saved.keeping.insert(item.id);
+        saved.toCheck.push_back(item);
+        if (limit >= 1 && static_cast<qint64>(saved.shown.size()) >= limit)
+            saved.overflow.push_back(std::move(item));
+        else
+            saved.shown.push_back(std::move(item));
+    }
+    return saved;
+}
+
+void ShelfStore::restore() {
+    AtomicFile::removeLeftovers(saveFile_->path());
+    pendingRead_ = std::make_shared<PendingRead>();
+    // A thread of its own: a drop made at once must not queue the read behind its copies.
+    scheduler_.backgroundPromptly(
+        [pending = pendingRead_, file = saveFile_, restoreItems = preferences_.restoreItemsOnLaunch(),
+         limit = preferences_.maximumItemCount()] {
+            std::lock_guard lock(pending->mutex);
+            if (pending->claimed) return;
+            pending->claimed = true;
+            pending->result = readSavedShelf(*file, restoreItems, limit);
+        },
+        [this, pending = pendingRead_, alive = std::weak_ptr<int>(alive_)] {
+            if (alive.expired() || restored_) return;
+            std::optional<SavedShelf> saved;
+            {
+                std::lock_guard lock(pending->mutex);
+                saved.swap(pending->result);
             }
-            // Searching for a moved original takes a millisecond or more each: never here.
-            if (item.originBookmark) item.originSearch = ShelfItem::OriginSearch::sought;
-            if (limit >= 1 && static_cast<qint64>(items_.size()) >= limit)
-                overflow.push_back(std::move(item));
-            else
-                items_.push_back(std::move(item));
+            if (saved) takeSavedShelf(std::move(*saved));
+        });
+}
+
+void ShelfStore::restoreNow() {
+    if (restored_) return;
+    std::optional<SavedShelf> saved;
+    {
+        // Waits for a read the background is in the middle of, and takes its result.
+        std::lock_guard lock(pendingRead_->mutex);
+        if (!pendingRead_->claimed) {
+            pendingRead_->claimed = true;
+            pendingRead_->result = readSavedShelf(*saveFile_, preferences_.restoreItemsOnLaunch(),
+                                                  preferences_.maximumItemCount());
         }
-        if (!overflow.empty()) {
-            qCWarning(lcStore) << "The saved shelf held" << overflow.size()
-                               << "items past the limit; they can be brought back";
-            removalHistory_.push_front(std::move(overflow));
-        }
+        saved.swap(pendingRead_->result);
     }
-    std::set<QUuid> keeping;
-    std::vector<ShelfItem> restored = items_;
+    takeSavedShelf(saved ? std::move(*saved) : SavedShelf{});
+}
+
+void ShelfStore::takeSavedShelf(SavedShelf saved) {
+    restored_ = true;
+    pendingRead_.reset();
+    if (saved.state == ShelfSaveFile::Contents::State::damaged) {
+        recoverFromDamagedSaveFile(saved);
+        return;
+    }
+    // Items added meanwhile are newer than every record: they stay on top, and the records fill
+    // the shelf below them up to the limit; the rest is the oldest batch of the removal history.
+    const qint64 limit = preferences_.maximumItemCount();
+    const bool hadItems = !items_.empty();
+    // Every record is kept already; what was added meanwhile, or removed and may come back, too.
+    std::set<QUuid> keeping = std::move(saved.keeping);
     for (const ShelfItem& item : items_) keeping.insert(item.id);
-    for (const Batch& batch : removalHistory_) {
+    for (const Batch& batch : removalHistory_)
         for (const ShelfItem& item : batch) keeping.insert(item.id);
-        restored.insert(restored.end(), batch.begin(), batch.end());
+    if (items_.empty()) {
+        items_ = std::move(saved.shown);
+    } else {
+        items_.insert(items_.end(), std::make_move_iterator(saved.shown.begin()),
+                      std::make_move_iterator(saved.shown.end()));
+        if (limit >= 1 && static_cast<qint64>(items_.size()) > limit) {
+            const auto firstOverflow = items_.begin() + static_cast<std::ptrdiff_t>(limit);
+            saved.overflow.insert(saved.overflow.begin(), std::make_move_iterator(firstOverflow),
+                                  std::make_move_iterator(items_.end()));
+            items_.erase(firstOverflow, items_.end());
+        }
     }
-    // Listed now, removed later: folders that new drops make meanwhile are not on the list.
+    if (!saved.overflow.empty()) {
+        qCWarning(lcStore) << "The saved shelf held" << saved.overflow.size()
+                           << "items past the limit; they can be brought back";
+        removalHistory_.push_back(std::move(saved.overflow));
+        if (removalHistory_.size() > static_cast<size_t>(kRemovalHistoryLimit)) {
+            for (const ShelfItem& item : removalHistory_.back()) forget(item);
+            removalHistory_.pop_back();
+        }
+    }
+    // Removed later, off the main thread.
     auto recovered = std::make_shared<std::vector<ShelfItem>>();
     scheduler_.background(
-        [listed = ItemStaging::entries(), keeping, recoverSince, recovered] {
-            *recovered = ItemStaging::pruneOrphans(listed, keeping, recoverSince);
-        },
+        [listed = std::move(saved.listed), keeping = std::move(keeping), recoverSince = saved.recoverSince,
+         recovered] { *recovered = ItemStaging::pruneOrphans(listed, keeping, recoverSince); },
         [this, recovered, alive = std::weak_ptr<int>(alive_)] {
             if (!alive.expired()) takeUnsavedCopies(std::move(*recovered));
         });
-    restoreCheck_.check(std::move(restored));
+    restoreCheck_.check(std::move(saved.toCheck));
+    emit restored();
+    if (!items_.empty() || hadItems) emit itemsChanged();
+    // Changes held back while the records were on their way.
+    if (unsavedSince_) scheduleSave();
 }
 
 void ShelfStore::takeUnsavedCopies(std::vector<ShelfItem> recovered) {
     if (recovered.empty()) return;
     qCWarning(lcStore) << recovered.size()
                        << "copies had finished after the last save; they are back on the shelf";
-    // At the top, as the newest; past the limit into the removal history, copies kept.
+    // Above the saved items, as the newest of them, but below what was added since the start;
+    // past the limit into the removal history, copies kept.
     const qint64 limit = preferences_.maximumItemCount();
-    items_.insert(items_.begin(), std::make_move_iterator(recovered.begin()),
+    const auto below = std::find_if(items_.begin(), items_.end(), [&](const ShelfItem& item) {
+        return item.addedAt <= recovered.front().addedAt;
+    });
+    items_.insert(below, std::make_move_iterator(recovered.begin()),
                   std::make_move_iterator(recovered.end()));
     if (limit >= 1 && static_cast<qint64>(items_.size()) > limit) {
         const auto firstOverflow = items_.begin() + static_cast<std::ptrdiff_t>(limit);
@@ -196,17 +301,24 @@ void ShelfStore::takeFindings(const std::vector<RestoreCheck::Finding>& findings
     if (recordsChanged) scheduleSave();
 }
 
-void ShelfStore::recoverFromDamagedSaveFile() {
-    // The save file is the only list of what the staging area holds: pruning against a file that
-    // could not be read would delete every copy. Keep them all, and make the shelf from them.
-    const std::optional<std::filesystem::path> aside = saveFile_->setAside();
-    items_ = ItemStaging::recoverItems();
+void ShelfStore::recoverFromDamagedSaveFile(SavedShelf& saved) {
     qCWarning(lcStore).noquote() << "The save file could not be read; it was set aside as"
-                                 << (aside ? QString::fromStdString(aside->filename().string())
-                                           : QStringLiteral("(nothing: it could not be moved)"))
-                                 << "and" << items_.size() << "items were recovered from the staging folder.";
+                                 << (saved.setAside
+                                         ? QString::fromStdString(saved.setAside->filename().string())
+                                         : QStringLiteral("(nothing: it could not be moved)"))
+                                 << "and" << saved.recovered.size()
+                                 << "items were recovered from the staging folder.";
+    // The folders of items added meanwhile are in the staging folder too: those stay as they are.
+    std::set<QUuid> present;
+    for (const ShelfItem& item : items_) present.insert(item.id);
+    for (const Batch& batch : removalHistory_)
+        for (const ShelfItem& item : batch) present.insert(item.id);
+    for (ShelfItem& item : saved.recovered)
+        if (present.count(item.id) == 0) items_.push_back(std::move(item));
     recoveredFromDamage_ = true;
     setNotice(Notice::recoveredFromDamage, {});
+    emit restored();
+    emit itemsChanged();
     scheduleSave();
 }
 
@@ -368,6 +480,7 @@ std::vector<ShelfTile> ShelfStore::tiles(const std::vector<ShelfItem>& items) {
 }
 
 void ShelfStore::flush() {
+    restoreNow();
     saveTask_.cancel();
     unsavedSince_.reset();
     saved(saveFile_->write(items_, saveFile_->nextGeneration()));
@@ -415,6 +528,9 @@ void ShelfStore::scheduleSave() {
     // running keeps the save file alive past the store.
     const double now = scheduler_.now();
     if (!unsavedSince_) unsavedSince_ = now;
+    // Until the saved records are here, the shelf holds a part of itself at most: written now, it
+    // would take the rest off the file. The change waits, and is saved once they have arrived.
+    if (!restored_) return;
     const double delay = std::clamp(*unsavedSince_ + kLongestSaveWait - now, 0.0, kSaveDelay);
     saveTask_ = scheduler_.after(delay, [this] {
         unsavedSince_.reset();

@@ -37,10 +37,12 @@ public:
     // after that save's snapshot was taken.
     static constexpr double kUnsavedCopyMargin = 2.0;
 
-    // Restores the saved shelf at once, from what its records say; what the disk says of them
-    // (originals moved or gone, copies that finished after the last save, items nothing stands
-    // for) is looked into off the main thread and applied as it comes. Orphaned staging folders
-    // are pruned off the main thread too.
+    // Reads the saved shelf off the main thread and takes its records, as they say, once they
+    // arrive (isRestored, then restored()); what the disk says of them (originals moved or gone,
+    // copies that finished after the last save, items nothing stands for) is looked into off the
+    // main thread too and applied as it comes, and so is the pruning of orphaned staging folders.
+    // Items added before the records arrive stay on top of them; until then nothing is saved, so
+    // the file is never written with a part of the shelf.
     ShelfStore(Preferences& preferences, Scheduler& scheduler, std::filesystem::path saveFile,
                QObject* parent = nullptr);
     ~ShelfStore() override;
@@ -48,8 +50,9 @@ public:
     static ShelfStore& shared();
     static void setShared(ShelfStore* store);
 
-    // The settings the store follows; the shelf's views read theirs here too.
+    // The settings the store follows, and its clock; the shelf's views read theirs here too.
     Preferences& preferences() const { return preferences_; }
+    Scheduler& scheduler() const { return scheduler_; }
 
     const std::vector<ShelfItem>& items() const { return items_; }
     const std::set<QUuid>& selection() const { return selection_; }
@@ -74,13 +77,17 @@ public:
     std::vector<ShelfItem> dragPayload(const ShelfItem& startingFrom) const;
     static std::vector<ShelfTile> tiles(const std::vector<ShelfItem>& items);
 
-    // Writes the shelf now, on this thread, cancelling the pending save.
+    // Writes the shelf now, on this thread, cancelling the pending save. Before the saved records
+    // have arrived it takes them first, reading the file here if the background has not yet.
     void flush();
-    bool hasPendingSave() const { return saveTask_.isPending(); }
+    // A save is waiting for its debounce, or for the saved records to arrive.
+    bool hasPendingSave() const { return saveTask_.isPending() || (!restored_ && unsavedSince_); }
+    // The saved records have arrived and are on the shelf (or there were none).
+    bool isRestored() const { return restored_; }
     // The save file could not be read at start, and the shelf was made from the staging folder.
     bool recoveredFromDamagedSaveFile() const { return recoveredFromDamage_; }
-    // Restored items are still being looked into.
-    bool isCheckingRestoredItems() const { return restoreCheck_.isRunning(); }
+    // The saved records are still being read, or the restored items looked into.
+    bool isCheckingRestoredItems() const { return !restored_ || restoreCheck_.isRunning(); }
 
     // What the user must learn about the shelf itself, shown on it until it no longer holds or
     // the user dismisses it.
@@ -92,14 +99,21 @@ public:
     const ShelfSaveFile& saveFile() const { return *saveFile_; }
 
 signals:
+    // The saved records arrived; emitted just before the itemsChanged() that shows them.
+    void restored();
     void itemsChanged();
     void selectionChanged();
     void targetedChanged();
     void noticeChanged();
 
 private:
+    struct SavedShelf;
+    struct PendingRead;
+    static SavedShelf readSavedShelf(const ShelfSaveFile& file, bool restoreItems, qint64 limit);
     void restore();
-    void recoverFromDamagedSaveFile();
+    void restoreNow();
+    void takeSavedShelf(SavedShelf saved);
+    void recoverFromDamagedSaveFile(SavedShelf& saved);
     void takeFindings(const std::vector<RestoreCheck::Finding>& findings);
     void takeUnsavedCopies(std::vector<ShelfItem> recovered);
     void saved(const std::string& error);
@@ -117,6 +131,9 @@ private:
     std::deque<Batch> removalHistory_;
     int removalHistoryLimit_ = kRemovalHistoryLimit;
     std::shared_ptr<ShelfSaveFile> saveFile_;
+    bool restored_ = false;
+    // The background read of the saved shelf, which flush() may have to take over.
+    std::shared_ptr<PendingRead> pendingRead_;
     ScheduledTask saveTask_;
     // When the oldest change not yet saved was made; none when all are saved or being saved.
     std::optional<double> unsavedSince_;

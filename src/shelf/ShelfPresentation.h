@@ -40,6 +40,8 @@ struct ShelfPresentation {
     // Content arriving lifts the veto; the last item leaving a shelf that was up for a reason
     // keeps it up when the user does not want empty shelves hidden.
     void contentChanged(bool nowHasContent, bool hideWhenEmpty);
+    // The saved shelf arrived after start-up: it is content, but as at start-up it lifts nothing.
+    void contentRestored(bool nowHasContent) { hasContent = nowHasContent; }
 
     bool operator==(const ShelfPresentation&) const = default;
 };

@@ -363,6 +363,7 @@ void ShelfWindowController::observePreferences() {
     lastTileCount_ = tileCount();
     QObject::connect(&preferences_, &Preferences::changed, &observations_,
                      [this](Preference preference) { preferenceChanged(preference); });
+    QObject::connect(&store_, &ShelfStore::restored, &observations_, [this] { restored(); });
     QObject::connect(&store_, &ShelfStore::itemsChanged, &observations_, [this] { itemsChanged(); });
 }
 
@@ -388,6 +389,16 @@ void ShelfWindowController::preferenceChanged(Preference preference) {
         default:
             break;
     }
+}
+
+void ShelfWindowController::restored() {
+    // Delivered before the itemsChanged() that comes with it, which then finds nothing new.
+    deliverLater([this, hasContent = !store_.items().empty()] {
+        if (hasContent == lastHasContent_) return;
+        lastHasContent_ = hasContent;
+        presentation_.contentRestored(hasContent);
+        applyPresentation(false, 0);
+    });
 }
 
 void ShelfWindowController::itemsChanged() {

@@ -127,6 +127,7 @@ private:
 
     void observePreferences();
     void preferenceChanged(Preference preference);
+    void restored();
     void itemsChanged();
     // Preference and store changes take effect on a later turn of the main loop, never inside the
     // setter that caused them.

@@ -221,5 +221,39 @@ TEST_F(ShelfCommandsTest, RepliesSayWhatCouldNotBeDone) {
     EXPECT_TRUE(savedAtQuit);
 }
 
+TEST_F(ShelfCommandsTest, WhatReadsTheShelfWaitsForTheSavedItemsAndAnAddGoesOnTopOfThem) {
+    const auto folder = testing::freshFolder("saved");
+    testing::writeFile(folder / "saved", "x");
+    testing::writeFile(folder / "added", "x");
+    const ShelfItem saved{.id = QUuid::createUuid(),
+                          .displayName = QStringLiteral("saved"),
+                          .originURL = LocalPath::toUrl(folder / "saved")};
+    ShelfSaveFile(store.saveFile().path()).write({saved}, 1);  // read when the clock first runs
+
+    clock.holdBackgroundWork(true);
+    std::vector<std::pair<QByteArray, CommandReply>> replies;
+    for (const QByteArray& verb : {QByteArray("list"), QByteArray("remove")}) {
+        std::vector<QByteArray> arguments{verb};
+        if (verb == "remove") arguments.push_back(uuidString(saved.id).toUtf8());
+        commands.run(arguments,
+                     [&replies, verb](CommandReply r) { replies.emplace_back(verb, std::move(r)); });
+    }
+    ASSERT_TRUE(run({"add", "--", LocalPath::bytes(folder / "added")}));
+    EXPECT_TRUE(replies.empty()) << "answered from a part of the shelf";
+
+    clock.holdBackgroundWork(false);
+    clock.drain();
+    ASSERT_EQ(replies.size(), 2u);
+    EXPECT_EQ(replies[0].first, "list");
+    const QList<QByteArray> lines = replies[0].second.out.split('\n');
+    ASSERT_EQ(lines.size(), 3);  // two items and the end of the last line
+    EXPECT_TRUE(lines[0].contains("\tadded\t")) << lines[0].constData();
+    EXPECT_TRUE(lines[1].contains("\tsaved\t")) << lines[1].constData();
+    EXPECT_EQ(replies[1].first, "remove");
+    EXPECT_EQ(replies[1].second.exitCode, 0) << replies[1].second.err.constData();
+    ASSERT_EQ(store.items().size(), 1u);
+    EXPECT_EQ(store.items().front().displayName, QStringLiteral("added"));
+}
+
 }  // namespace
 }  // namespace mosswick

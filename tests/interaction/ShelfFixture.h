@@ -23,14 +23,15 @@ public:
     bool reduces = true;
 };
 
-// A shelf store over a fresh save file and the manual clock. Animations are off unless a test
-// turns them on (and then only looks at whether they run, never waits for them).
+// A shelf store over a fresh save file and the manual clock, as it is once started. Animations are off unless
+// a test turns them on (and then only looks at whether they run, never waits for them).
 class ShelfFixture : public ::testing::Test {
 protected:
     void SetUp() override {
         clearAppData();
         Scheduler::setShared(&clock);
         store = std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+        clock.drain();  // the saved shelf (none) has arrived
     }
     void TearDown() override {
         store.reset();

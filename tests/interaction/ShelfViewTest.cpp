@@ -48,6 +48,9 @@ protected:
 
     static QString count(ShelfView& view) { return view.toolbar().countLabel().text(); }
 
+    // The tiles follow the store at the next frame.
+    void nextFrame() { clock.advance(ShelfView::kTileUpdateDelay); }
+
     // Tiles drawn, those on their way out included.
     static int drawnTiles(ShelfView& view) {
         int drawn = 0;
@@ -64,6 +67,7 @@ TEST_F(ShelfViewTest, ClearingTheShelfCanBeBroughtBackToTheTop) {
     ASSERT_TRUE(view->toolbar().clearButton().isVisible());
 
     click(*view, centreOf(*view, view->toolbar().clearButton()));
+    nextFrame();
     EXPECT_TRUE(store->items().empty());
     EXPECT_TRUE(view->emptyState().isVisible());
     EXPECT_FALSE(view->tileList().isVisible());
@@ -72,7 +76,9 @@ TEST_F(ShelfViewTest, ClearingTheShelfCanBeBroughtBackToTheTop) {
     ASSERT_TRUE(view->toolbar().bringBackButton().isVisible()) << "the removal was recorded";
 
     store->add({item("c.pdf")});
+    nextFrame();
     click(*view, centreOf(*view, view->toolbar().bringBackButton()));
+    nextFrame();
     EXPECT_EQ(itemNames(), (std::vector<QString>{"b.pdf", "a.pdf", "c.pdf"}));
     EXPECT_FALSE(view->toolbar().bringBackButton().isVisible());
     EXPECT_EQ(count(*view), "3 items");
@@ -173,6 +179,47 @@ TEST_F(ShelfViewTest, DeleteLeavesTheKeyboardOnTheNextTileSoItCanGoOnRemoving) {
     EXPECT_TRUE(selectedNames().empty());
 }
 
+TEST_F(ShelfViewTest, ABurstOfChangesReachesTheTilesTogetherAtTheNextFrame) {
+    store->add({item("b.pdf"), item("a.pdf")});
+    auto view = makeView();
+    QApplication::setActiveWindow(view.get());
+    view->setFocus();
+    auto titles = [&] {
+        std::vector<QString> shown;
+        for (const ShelfItemView* tile : view->tileList().tileViews())
+            shown.push_back(tile->description().title);
+        return shown;
+    };
+    ShelfItemView* staying = view->tileList().tileViews().at(0);
+
+    // A copy finishing, two drops and a removal in one burst: nothing of it shows half-done.
+    ShelfItem copied = store->items().at(0);
+    copied.byteSize = 9000;
+    store->update(copied);
+    store->add({item("c.pdf")});
+    store->add({item("d.pdf")});
+    store->remove({store->items().back().id}, true);
+    EXPECT_EQ(titles(), (std::vector<QString>{"b.pdf", "a.pdf"}));
+    EXPECT_EQ(count(*view), "2 items");
+    nextFrame();
+    EXPECT_EQ(titles(), (std::vector<QString>{"d.pdf", "c.pdf", "b.pdf"}));
+    EXPECT_EQ(count(*view), "3 items");
+    EXPECT_EQ(view->tileList().tileViews().at(2), staying) << "a tile that stays keeps its widget";
+    EXPECT_EQ(staying->tile().first().byteSize, 9000);
+
+    // The selection and the keyboard act on the shelf as it is, even before the frame.
+    store->add({item("e.pdf")});
+    store->setSelection({store->items().front().id});
+    EXPECT_EQ(titles().front(), "e.pdf");
+    EXPECT_TRUE(view->tileList().tileViews().front()->isSelected());
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    ASSERT_EQ(store->selection().size(), 1u);
+    EXPECT_EQ(store->items().at(1).displayName, "d.pdf");
+    EXPECT_TRUE(store->selection().count(store->items().at(1).id));
+    EXPECT_TRUE(view->tileList().tileViews().at(1)->hasKeyboardFocus());
+    EXPECT_EQ(count(*view), "4 items");
+}
+
 TEST_F(ShelfViewTest, TheTileTheKeyboardReachesIsScrolledIntoView) {
     for (int i = 0; i < 12; ++i) store->add({item(QString::number(i) + ".pdf")});
     auto view = makeView(3);
@@ -194,6 +241,7 @@ TEST_F(ShelfViewTest, AStackAndASingleItemMakeTwoTilesNewestFirst) {
     auto view = makeView();
     store->add(batch({"1.jpg", "2.jpg", "3.jpg"}));
     store->add({item("newest.pdf")});
+    nextFrame();
     const auto tiles = view->tileList().tileViews();
     ASSERT_EQ(tiles.size(), 2u);
     EXPECT_EQ(tiles[0]->description().title, "newest.pdf");
@@ -243,6 +291,7 @@ TEST_F(ShelfViewTest, TheTilesHandTheirMouseToTheDragSource) {
 
     ShelfItemView* stack = view->tileList().tileViews().at(0);
     click(*view, stack->mapTo(view.get(), stack->closeButtonRect().center().toPoint()));
+    nextFrame();
     EXPECT_EQ(itemNames(), std::vector<QString>{"single.pdf"});
     ASSERT_EQ(store->removalHistory().size(), 1u);
     EXPECT_EQ(store->removalHistory().front().size(), 2u) << "the whole stack, in one step";
@@ -259,6 +308,7 @@ TEST_F(ShelfViewTest, TheTilesHandTheirMouseToTheDragSource) {
     ShelfItem withFile = store->items().at(0);
     withFile.stagedURL = LocalPath::toUrl(folder / "single.pdf");
     store->update(withFile);
+    nextFrame();
     ShelfItemView* tile = view->tileList().tileViews().at(0);
     QTest::mouseClick(tile, Qt::LeftButton);
     EXPECT_TRUE(workspace.files.empty()) << "a single click opens nothing";
@@ -298,11 +348,13 @@ TEST_P(ShelfViewMotion, AnimatesEveryChangeUnlessMotionIsReduced) {
     const bool animates = !GetParam();
     auto view = makeView();
     store->add({item("a.pdf")});
+    nextFrame();
     EXPECT_EQ(view->tileList().isAnimating(), animates);
     ShelfItemView* first = view->tileList().tileViews().at(0);
     EXPECT_EQ(first->presence() < 1, animates) << "a new tile grows in";
 
     store->add({item("b.pdf")});
+    nextFrame();
     EXPECT_EQ(view->toolbar().countLabel().isRolling(), animates);
 
     store->setTargeted(true);
@@ -314,6 +366,7 @@ TEST_P(ShelfViewMotion, AnimatesEveryChangeUnlessMotionIsReduced) {
 
     // A removed tile leaves the list at once but stays drawn until its fade ends.
     store->remove({store->items().back().id}, true);
+    nextFrame();
     EXPECT_EQ(view->tileList().tileViews().size(), 1u);
     EXPECT_EQ(drawnTiles(*view), animates ? 2 : 1);
     view->tileList().settle();

@@ -28,8 +28,11 @@ protected:
     }
     void TearDown() override { Scheduler::setShared(nullptr); }
 
+    // A store as it is once its saved records have arrived from the background.
     std::unique_ptr<ShelfStore> makeStore() {
-        return std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+        auto store = std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+        clock.drain();
+        return store;
     }
 
     // A staged copy on disk, its folder dated `secondsAgo` back.
@@ -115,12 +118,14 @@ TEST_F(SaveFileRecoveryTest, WithoutASaveFileFinishedCopiesComeBackAndTheRestIsP
 }
 
 TEST_F(SaveFileRecoveryTest, ARecordWhoseCopyLiesOutsideItsFolderIsDropped) {
-    const ShelfItem good = staged("good");
-    ShelfItem outside = staged("outside");
+    // Dated well before the save, so that the folders of the dropped records are pruned rather
+    // than taken for copies that finished after it.
+    const ShelfItem good = staged("good", 3600);
+    ShelfItem outside = staged("outside", 3600);
     outside.stagedURL = QUrl::fromLocalFile(QStringLiteral("/etc/passwd"));
-    ShelfItem climbing = staged("climbing");
+    ShelfItem climbing = staged("climbing", 3600);
     climbing.stagedURL = LocalPath::toUrl(ItemStaging::itemFolder(climbing.id) / ".." / ".." / "elsewhere");
-    ShelfItem originOutside = staged("originOutside");
+    ShelfItem originOutside = staged("originOutside", 3600);
     originOutside.originURL = QUrl::fromLocalFile(QStringLiteral("/etc/hosts"));
     QJsonArray array;
     for (const ShelfItem& item : {good, outside, climbing, originOutside}) array.append(item.toJson());
@@ -150,6 +155,96 @@ TEST_F(SaveFileRecoveryTest, FoldersLeftOpenToOthersAreClosed) {
     struct stat info {};
     ::stat(folder.c_str(), &info);
     EXPECT_EQ(info.st_mode & 07777, 0700u);
+}
+
+// The saved shelf arrives from the background after start-up; what happens before it does must
+// neither be lost nor write a part of the shelf over the file.
+struct ArrivalRow {
+    const char* name;
+    enum class File { none, shelf, damaged } file;
+    // Quit before the background read was even done: flush() must take the records itself.
+    bool flushFirst;
+};
+
+class SavedShelfArrival : public SaveFileRecoveryTest, public ::testing::WithParamInterface<ArrivalRow> {};
+
+TEST_P(SavedShelfArrival, ItemsAddedBeforeTheRecordsStayOnTopAndNothingPartIsWritten) {
+    using File = ArrivalRow::File;
+    const ArrivalRow& row = GetParam();
+    const ShelfItem newer = staged("saved newer", 600);
+    const ShelfItem older = staged("saved older", 3600);
+    std::string before;
+    if (row.file == File::shelf) {
+        ShelfSaveFile(AppFiles::saveFile()).write({newer, older}, 1);
+        before = testing::readFile(AppFiles::saveFile());
+    } else if (row.file == File::damaged) {
+        before = "[{\"truncated";
+        testing::writeFile(AppFiles::saveFile(), before);
+    }
+
+    clock.holdBackgroundWork(true);
+    auto store = std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+    const ShelfItem dropped = staged("dropped at start");
+    store->add({dropped});
+    EXPECT_FALSE(store->isRestored());
+    EXPECT_EQ(names(store->items()), (std::vector<std::string>{"dropped at start"}));
+    clock.advance(ShelfStore::kLongestSaveWait + ShelfStore::kSaveRetryDelay);
+    EXPECT_TRUE(store->hasPendingSave());
+    if (row.file == File::none)
+        EXPECT_FALSE(std::filesystem::exists(AppFiles::saveFile())) << "saved before the records came";
+    else
+        EXPECT_EQ(testing::readFile(AppFiles::saveFile()), before) << "a part of the shelf was written";
+
+    if (row.flushFirst) {
+        store->flush();
+    } else {
+        clock.holdBackgroundWork(false);
+        clock.advance(ShelfStore::kSaveDelay);
+    }
+    // Without a save file the two copies come back as finished after a save that never came.
+    const std::vector<std::string> expected{"dropped at start", "saved newer", "saved older"};
+    EXPECT_TRUE(store->isRestored());
+    EXPECT_EQ(names(store->items()), expected);
+    EXPECT_EQ(names(ShelfSaveFile(AppFiles::saveFile()).read().items), expected);
+    EXPECT_EQ(store->recoveredFromDamagedSaveFile(), row.file == File::damaged);
+
+    // Whatever the background still had queued changes nothing, and every copy is still there.
+    clock.holdBackgroundWork(false);
+    clock.advance(ShelfStore::kLongestSaveWait);
+    EXPECT_EQ(names(store->items()), expected);
+    for (const ShelfItem& item : {newer, older, dropped})
+        EXPECT_TRUE(std::filesystem::exists(ItemStaging::itemFolder(item.id)))
+            << item.displayName.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SavedShelfArrival,
+                         ::testing::Values(ArrivalRow{"noSaveFile", ArrivalRow::File::none, false},
+                                           ArrivalRow{"saved", ArrivalRow::File::shelf, false},
+                                           ArrivalRow{"savedFlushedFirst", ArrivalRow::File::shelf, true},
+                                           ArrivalRow{"damaged", ArrivalRow::File::damaged, false},
+                                           ArrivalRow{"damagedFlushedFirst", ArrivalRow::File::damaged,
+                                                      true}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(SaveFileRecoveryTest, RecordsArrivingAfterADropFillTheShelfBelowItUpToTheLimit) {
+    preferences.setMaximumItemCount(2);
+    const ShelfItem first = staged("first", 600);
+    const ShelfItem second = staged("second", 3600);
+    ShelfSaveFile(AppFiles::saveFile()).write({first, second}, 1);
+
+    clock.holdBackgroundWork(true);
+    auto store = std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
+    store->add({staged("dropped")});
+    store->remove({store->items().front().id}, true);  // an undoable removal, newer than the records
+    store->add({staged("dropped again")});
+    clock.holdBackgroundWork(false);
+    clock.drain();
+    EXPECT_EQ(names(store->items()), (std::vector<std::string>{"dropped again", "first"}));
+    ASSERT_EQ(store->removalHistory().size(), 2u);
+    EXPECT_EQ(names(store->removalHistory().front()), (std::vector<std::string>{"dropped"}));
+    EXPECT_EQ(names(store->removalHistory().back()), (std::vector<std::string>{"second"}))
+        << "the records past the limit are the oldest removal";
+    EXPECT_TRUE(std::filesystem::exists(ItemStaging::itemFolder(second.id) / "second"));
 }
 
 TEST_F(SaveFileRecoveryTest, ABurstOfChangesIsSavedWithinASecond) {

@@ -32,9 +32,11 @@ protected:
     }
     void TearDown() override { Scheduler::setShared(nullptr); }
 
+    // A store as it is once its saved records have arrived from the background.
     std::unique_ptr<ShelfStore> makeStore() {
         auto store = std::make_unique<ShelfStore>(preferences, clock, AppFiles::saveFile());
         store->setThumbnailCache(&thumbnails);
+        clock.drain();
         return store;
     }
 

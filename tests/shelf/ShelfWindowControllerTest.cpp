@@ -347,6 +347,26 @@ TEST_F(ShelfWindowControllerTest, StandingByMakesThePanelPutAwayAtTheFrameItWill
     EXPECT_THAT(log(), IsEmpty()) << "once made, the panel is left as it is";
 }
 
+TEST_F(ShelfWindowControllerTest, SavedItemsArrivingAfterLaunchLeaveTheShelfAwayButCountAsContent) {
+    ShelfItem saved = item();
+    const auto original = freshFolder("originals") / "note.txt";
+    writeFile(original, "x");
+    saved.originURL = QUrl::fromLocalFile(QString::fromStdString(original.string()));
+    ShelfSaveFile(store.saveFile().path()).write({saved}, 1);  // read when the clock first runs
+    controller->resetToHidden();
+    controller->standBy();
+    log();
+    clock.drain();
+    ASSERT_EQ(store.items().size(), 1u);
+    EXPECT_FALSE(controller->isShown()) << "a restored shelf stays away at launch";
+    EXPECT_THAT(log(), Not(Contains(kSlideIn)));
+
+    // It has content now: the end of a drag leaves it up.
+    showForDrag();
+    endDragAndWait();
+    EXPECT_TRUE(controller->isShown());
+}
+
 TEST_F(ShelfWindowControllerTest, StandingByLeavesAShownShelfAlone) {
     controller->summon();
     log();

@@ -14,15 +14,15 @@ void ManualScheduler::background(std::function<void()> work, std::function<void(
     jobs_.push_back({std::move(work), std::move(done)});
 }
 
-void ManualScheduler::runBackgroundWork() {
+void ManualScheduler::runBackgroundWork(size_t jobs) {
     const bool held = holdJobs_;
     holdJobs_ = false;
-    runJobs();
+    runJobs(jobs);
     holdJobs_ = held;
 }
 
-void ManualScheduler::runJobs() {
-    while (!holdJobs_ && !jobs_.empty()) {
+void ManualScheduler::runJobs(size_t jobs) {
+    for (; jobs > 0 && !holdJobs_ && !jobs_.empty(); --jobs) {
         Job job = std::move(jobs_.front());
         jobs_.pop_front();
         job.work();

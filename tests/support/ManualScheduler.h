@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <vector>
 
@@ -23,9 +24,10 @@ public:
     void drain() { advance(0); }
 
     // While held, background work waits in its queue until runBackgroundWork(), so a test can
-    // act while a job is "still running".
+    // act while a job is "still running". Runs the first `jobs` queued, and what they queue after
+    // them only while the count lasts.
     void holdBackgroundWork(bool hold) { holdJobs_ = hold; }
-    void runBackgroundWork();
+    void runBackgroundWork(size_t jobs = SIZE_MAX);
 
     // Timers not yet run nor cancelled.
     size_t pendingTimers() const;
@@ -41,7 +43,7 @@ private:
         std::function<void()> work;
         std::function<void()> done;
     };
-    void runJobs();
+    void runJobs(size_t jobs = SIZE_MAX);
     bool holdJobs_ = false;
 
     double now_ = 0;

@@ -9,7 +9,8 @@
 namespace mosswick {
 
 // The application's scheduler: single-shot Qt timers on the main thread and a thread pool for
-// background work (and a thread of its own for prompt work). Background jobs still running at destruction are
+// background work, below the main thread's priority (and a thread of its own, at the normal
+// priority, for prompt work). Background jobs still running at destruction are
 // waited for, so a pending save is never cut off at quit.
 class QtScheduler final : public Scheduler {
 public:
