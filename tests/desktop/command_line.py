@@ -180,16 +180,16 @@ def show_hide_and_toggle_map_and_unmap_the_shelf(d):
 @cases.case
 def show_and_toggle_start_a_shelf_when_none_runs(d):
     d.move(5, 5)
-    binary = mosswick_binary()
+    binary, runtime = mosswick_binary(), d.env["XDG_RUNTIME_DIR"]
     try:
         assert cli(d, "hide") == (0, b"", b"")
-        assert running_copies(binary) == [], "hide started a shelf"
+        assert running_copies(binary, runtime) == [], "hide started a shelf"
         for verb in ("show", "toggle"):
             assert cli(d, verb) == (0, b"", b""), verb
-            [pid] = running_copies(binary)
+            [pid] = running_copies(binary, runtime)
             d.wait_mapped(pid)  # started, and shown
             assert cli(d, "quit")[0] == 0
-            d.wait_for(lambda: not running_copies(binary), 10, "the started shelf to quit")
+            d.wait_for(lambda: not running_copies(binary, runtime), 10, "the started shelf to quit")
             print(f"ok: {verb} with no shelf running starts one and shows it")
     finally:
         cli(d, "quit")
@@ -199,7 +199,7 @@ def show_and_toggle_start_a_shelf_when_none_runs(d):
     done = subprocess.run([binary, "show"], env=env, capture_output=True, timeout=60)
     assert (done.returncode, done.stdout, done.stderr) == \
         (3, b"", b"mosswick: could not reach or start the shelf\n"), done
-    assert running_copies(binary) == []
+    assert running_copies(binary, runtime) == []
 
 
 cases.run()

@@ -71,14 +71,22 @@ def wakeups(program, seconds):
     return count() - before
 
 
-def running_copies(binary):
+def running_copies(binary, runtime_dir=None):
     """Process ids of the programs running `binary` (an absolute path): a Mosswick that is no child
-    of the test's (started by a command, a desktop launcher or an update) is found this way."""
+    of the test's (started by a command, a desktop launcher or an update) is found this way.
+    With `runtime_dir`, only those of the desktop whose XDG_RUNTIME_DIR that is: tests running at
+    the same time start the same binary."""
     binary, found = os.path.realpath(binary), []
+    marker = f"XDG_RUNTIME_DIR={runtime_dir}".encode() if runtime_dir else None
     for entry in os.listdir("/proc"):
         try:
-            if entry.isdigit() and os.readlink(f"/proc/{entry}/exe") == binary:
-                found.append(int(entry))
+            if not entry.isdigit() or os.readlink(f"/proc/{entry}/exe") != binary:
+                continue
+            if marker:
+                with open(f"/proc/{entry}/environ", "rb") as f:
+                    if marker not in f.read().split(b"\0"):
+                        continue
+            found.append(int(entry))
         except OSError:
             pass  # gone meanwhile, or not ours to look at
     return found
