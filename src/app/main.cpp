@@ -238,7 +238,16 @@ int main(int argc, char** argv) {
     const std::unique_ptr<SelfUpdate> selfUpdate = SelfUpdate::forThisCopy(scheduler, preferences);
     if (options.isSet(kSummonOption)) controller.summon();
     // A shortcut the desktop refused is not offered; the refusal was logged just before.
-    if (hotKeys.isRegistered() && hotKeys.combo())
+    // Through XWayland an X grab hears only keys typed into X programs: say so rather than promise
+    // a key that does nothing over the user's other windows.
+    const bool grabHearsOnlyX = isWayland(desktop.session()) && !desktop.portalOwnsShortcut();
+    if (hotKeys.isRegistered() && hotKeys.combo() && grabHearsOnlyX)
+        std::fprintf(stderr,
+                     "Mosswick is running: drag a file to bring the shelf up, or press %s while an X11 "
+                     "program has the focus (Settings, Behavior can add it to your desktop's own "
+                     "shortcuts).\n",
+                     qPrintable(hotKeys.combo()->displayString()));
+    else if (hotKeys.isRegistered() && hotKeys.combo())
         std::fprintf(stderr, "Mosswick is running: drag a file to bring the shelf up, or press %s.\n",
                      qPrintable(hotKeys.combo()->displayString()));
     else
