@@ -16,6 +16,21 @@ xcb_connection_t* qtConnection() {
     return x11 ? x11->connection() : nullptr;
 }
 
+// Tells the reader its answer is in `property` (none: refused), as a selection owner does.
+void notifyRequestor(xcb_connection_t* connection, const xcb_selection_request_event_t& request,
+                     xcb_atom_t property) {
+    xcb_selection_notify_event_t notify{};
+    notify.response_type = XCB_SELECTION_NOTIFY;
+    notify.time = request.time;
+    notify.requestor = request.requestor;
+    notify.selection = request.selection;
+    notify.target = request.target;
+    notify.property = property;
+    xcb_send_event(connection, false, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+                   reinterpret_cast<const char*>(&notify));
+    xcb_flush(connection);
+}
+
 }  // namespace
 
 X11DragTypeOverride::X11DragTypeOverride(X11Atoms& atoms, bool bridged) : atoms_(atoms), bridged_(bridged) {
@@ -58,21 +73,13 @@ bool X11DragTypeOverride::nativeEventFilter(const QByteArray& eventType, void* m
     if (answer.kind == Answer::Kind::bytes && answer.bytes.size() > room) return false;
     // A reader from before the property was named in the request uses the target's name.
     const xcb_atom_t property = request->property != XCB_NONE ? request->property : request->target;
-    xcb_selection_notify_event_t notify{};
-    notify.response_type = XCB_SELECTION_NOTIFY;
-    notify.time = request->time;
-    notify.requestor = request->requestor;
-    notify.selection = request->selection;
-    notify.target = request->target;
-    notify.property = XCB_NONE;
-    if (answer.kind == Answer::Kind::bytes) {
-        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request->requestor, property, request->target,
-                            8, static_cast<uint32_t>(answer.bytes.size()), answer.bytes.constData());
-        notify.property = property;
+    if (answer.kind != Answer::Kind::bytes) {
+        notifyRequestor(connection, *request, XCB_NONE);
+        return true;
     }
-    xcb_send_event(connection, false, request->requestor, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&notify));
-    xcb_flush(connection);
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request->requestor, property, request->target, 8,
+                        static_cast<uint32_t>(answer.bytes.size()), answer.bytes.constData());
+    notifyRequestor(connection, *request, property);
     return true;
 }
 
@@ -85,16 +92,7 @@ void X11DragTypeOverride::listTargets(const void* message) {
     const xcb_atom_t property = request->property != XCB_NONE ? request->property : request->target;
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, request->requestor, property, XCB_ATOM_ATOM, 32,
                         static_cast<uint32_t>(atoms.size()), atoms.data());
-    xcb_selection_notify_event_t notify{};
-    notify.response_type = XCB_SELECTION_NOTIFY;
-    notify.time = request->time;
-    notify.requestor = request->requestor;
-    notify.selection = request->selection;
-    notify.target = request->target;
-    notify.property = property;
-    xcb_send_event(connection, false, request->requestor, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char*>(&notify));
-    xcb_flush(connection);
+    notifyRequestor(connection, *request, property);
 }
 
 }  // namespace mosswick
