@@ -21,10 +21,9 @@ import time
 from .core import Desktop
 from .process import DesktopError
 from .programs import skip
+from .xwayland import SYSTEM_PYTHON, XWaylandWindows
 
 _STAND_INS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "stand-ins")
-# The GTK programs and the pointer use GObject introspection, which only Debian's own python has.
-SYSTEM_PYTHON = "/usr/bin/python3"
 WAYLAND_DISPLAY = "wl-mosswick"
 
 
@@ -95,11 +94,16 @@ class RemotePointer:
         """Types one key (an X keysym) into whatever has the keyboard focus."""
         return self._send(f"key {keysym:#x}")
 
-    def click(self, x, y):
+    def click(self, x, y, button=None):
+        """Moves to (x, y) and clicks the left button, or the one of evdev code `button` (right:
+        0x111)."""
         self.move_to(x, y)
         time.sleep(0.1)
-        self.press()
-        self.release()
+        if button is None:
+            self.press()
+            return self.release()
+        self._send(f"down {button:#x}")
+        return self._send(f"up {button:#x}")
 
     def start_drag(self, x, y):
         """Presses at (x, y) and leaves the press point past the drag distance; returns the time
@@ -138,7 +142,7 @@ class _Stoppable:
         self.pointer.stop()
 
 
-class MutterDesktop(Desktop):
+class MutterDesktop(XWaylandWindows, Desktop):
     """A headless mutter with XWayland for one test; use it as a context manager. `size` is its one
     virtual monitor."""
 
