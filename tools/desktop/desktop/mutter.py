@@ -14,6 +14,7 @@ first: without it, or when mutter does not come up, the test is skipped and says
 import glob
 import os
 import re
+import select
 import shutil
 import subprocess
 import time
@@ -239,7 +240,11 @@ class GnomeShellDesktop(MutterDesktop):
         finally:
             os.close(writer)
         with os.fdopen(reader, "rb") as pipe:
-            self.env["DBUS_SYSTEM_BUS_ADDRESS"] = pipe.readline().decode().strip()
+            ready, _, _ = select.select([pipe], [], [], 10)
+            address = pipe.readline().decode().strip() if ready else ""
+        if not address:
+            raise DesktopError("the Shell's system bus did not report its address")
+        self.env["DBUS_SYSTEM_BUS_ADDRESS"] = address
         # /run/systemd/seats without logind makes the Shell throw at start: it is hidden in a
         # mount namespace of the Shell's own (unshare execs, so the Shell keeps the process id).
         return ["unshare", "-m", "--propagation", "private", "sh", "-c",
