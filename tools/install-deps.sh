@@ -46,6 +46,8 @@ packages=(
   mutter kwin-wayland xwayland gir1.2-gtk-3.0 libwayland-dev plasma-wayland-protocols dconf-cli
   gsettings-desktop-schemas gnome-settings-daemon-common libkf5config-bin
   libglib2.0-bin dconf-service dconf-gsettings-backend libkf5globalaccel-bin
+  # GNOME Shell, headless like mutter, to measure what the Shell itself offers (its tray)
+  gnome-shell
 )
 
 missing=()

@@ -2,9 +2,11 @@
 choosing its Qt platform itself, and a Wayland-native GTK program as the other side, driven with
 mutter's own pointer. A file drag from the GTK program brings the shelf up at its edge and lands
 on it byte for byte (one the shelf cannot read is refused); both drag triggers that would follow
-the pointer bring it up at its edge; the shortcut works only from X windows; a drag that ends elsewhere, which XWayland never hears of, takes the shelf
-away once the drag's time is up; a drag of text alone does not bring it; and a file dragged out
-of the shelf reaches the GTK program.
+the pointer bring it up at its edge; the shortcut works only from X windows; a drag that ends
+elsewhere, which XWayland never hears of, takes the shelf away once the drag's time is up; a drag
+of text alone does not bring it; a file dragged out of the shelf reaches the GTK program; Show in
+Folder, chosen with the pointer from the tile's menu, reaches the file manager; and an image's
+tile shows its preview.
 
 MOSSWICK_MEASURE_DRAGS=N (case measure_drag_to_shelf, skipped otherwise) times N drags from the
 GTK program's drag-begin to the shelf's window mapping, and prints the median and the worst."""
@@ -15,17 +17,19 @@ import time
 import urllib.parse
 
 from desktop import Cases, skip
-from desktop.files import make_files, read_bytes
+from desktop.files import file_uri, make_files, read_bytes
 from desktop.mosswick import close, saved_items, shelve, staged_path, write_settings
 from desktop.mutter import MutterDesktop
 from desktop.programs import mosswick_binary
 from desktop.watch import ShelfWatch
+from desktop.xwayland import FileManagerStandIn, colour_count, shelve_flat_image
 
 SOURCE_POINT = (800, 500)  # in the middle of the maximized GTK window
 LIFETIME = 8  # how long a drag whose end is unseen is taken to last (UnseenDragEnd::kLifetime)
 SCREEN = (1600, 1000)
 EDGE_FRAME = (SCREEN[0] - 6 - 196, SCREEN[1] - 6 - 144, 196, 144)  # right bottom, one slot, 6 px in
 F5 = 0xffc2
+RIGHT_BUTTON = 0x111
 
 cases = Cases(desktop=MutterDesktop)
 
@@ -192,6 +196,55 @@ def drag_out_reaches_gtk(d):
     path = urllib.parse.unquote_to_bytes(urllib.parse.urlsplit(uri).path)
     assert path in (original, staged_path(item)), uri
     assert read_bytes(path) == read_bytes(original)
+
+
+def text_rows(pixels, margin=3):
+    """The vertical spans (first, last) of a menu's rows of ink: runs of pixel rows, away from
+    its frame, holding any pixel unlike the menu's background."""
+    background = pixels[len(pixels) // 2][margin]
+    inked = [any(max(abs(a - b) for a, b in zip(pixel, background)) > 60 for pixel in row[margin:-margin])
+             for row in pixels[margin:-margin]]
+    rows, start = [], None
+    for y, ink in enumerate(inked + [False]):
+        if ink and start is None:
+            start = y
+        elif not ink and start is not None:
+            rows.append((start + margin, y - 1 + margin))
+            start = None
+    return rows
+
+
+@cases.case
+def show_in_folder_with_the_pointer(d):
+    """Keys typed through mutter do not reach the shelf's menu, so the row is chosen as a pointer
+    user would: its place is read off the menu's own pixels."""
+    manager = FileManagerStandIn(d)
+    [original] = make_files(d.temp, [b"minutes.txt"])
+    shelve(d, [original])
+    app = d.start_mosswick("--summon")
+    x, y, w, h = shelf_frame(d, app)
+    before = set(d.windows(app))
+    d.pointer.click(x + w // 2, y + 84, button=RIGHT_BUTTON)  # the one tile
+    [menu] = d.wait_for(lambda: set(d.windows(app)) - before, 5, "the tile menu")
+    time.sleep(0.3)  # drawn once mapped
+    mx, my, mw, mh = d.window_geometry(menu)
+    rows = d.wait_for(lambda: len(text_rows(d.window_pixels(menu))) >= 4 and text_rows(d.window_pixels(menu)),
+                      3, "the menu's rows")
+    first, last = rows[1]  # Open, Show in Folder
+    d.pointer.click(mx + mw // 3, my + (first + last) // 2)
+    calls = d.wait_for(manager.calls, 5, "the file manager to be asked")
+    assert calls == [{"method": "ShowItems", "uris": [file_uri(original)]}], calls
+
+
+@cases.case
+def image_tile_shows_its_preview(d):
+    colour = (230, 0, 230)
+    shelve_flat_image(d, colour)
+    app = d.start_mosswick("--summon")
+    shelf_frame(d, app)
+    window = d.wait_mapped(app)
+    # Enough of the colour to be a picture in the tile, not a stray edge.
+    d.wait_for(lambda: colour_count(d.window_pixels(window), colour) > 1000, 10, "the tile to show the image")
 
 
 @cases.case

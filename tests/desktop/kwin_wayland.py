@@ -11,18 +11,17 @@ out of the shelf arrives in a GTK drop target; the shortcut (an X key grab) is h
 X window has the focus; Show in Folder reaches the file manager; an image's tile shows its preview; and, only with MOSSWICK_KWIN_TIMINGS=N, N drags
 timed from their start to the strip and from the strip to the shelf."""
 
-import json
 import os
 import statistics
-import subprocess
 import time
 import urllib.parse
 
 from desktop import skip, skip_unless_available
 from desktop.files import file_uri
-from desktop.kwin import SYSTEM_PYTHON, KWinCases
-from desktop.mosswick import Shelf, save_file, saved_items, shelve, staged_path
+from desktop.kwin import KWinCases
+from desktop.mosswick import Shelf, saved_items, shelve, staged_path
 from desktop.watch import ShelfWatch
+from desktop.xwayland import FileManagerStandIn, colour_count, shelve_flat_image
 
 skip_unless_available(mosswick=True)
 
@@ -37,8 +36,6 @@ ON_SHELF = (1496, DROP_ROW)
 ONE_TILE = (1398, 1000 - 6 - 144, 196, 144)
 TILE = (1496, 850 + 84)
 F5, DOWN, RETURN = 63, 108, 28  # evdev
-FILE_MANAGER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools", "desktop", "stand-ins",
-                            "file-manager.py")
 
 cases = KWinCases()
 
@@ -205,9 +202,7 @@ def shortcut_reaches_only_from_x_windows(d):
 
 @cases.case
 def show_in_folder_reaches_the_file_manager(d):
-    report = d.out("file-manager.jsonl")
-    stand_in = d.start([SYSTEM_PYTHON, FILE_MANAGER, report], name="file-manager")
-    d.wait_output(stand_in, "ready")
+    manager = FileManagerStandIn(d)
     path = sample(d, b"minutes.txt")
     shelve(d, [path])
     shelf = Shelf(d, summon=True)
@@ -217,9 +212,7 @@ def show_in_folder_reaches_the_file_manager(d):
     d.wait_for(lambda: set(d.windows(shelf.app)) - before, 5, "the tile menu")
     for key in (DOWN, DOWN, RETURN):  # Open, Show in Folder
         d.pointer.key(key)
-    d.wait_for(lambda: os.path.exists(report), 5, "the file manager to be asked")
-    with open(report, encoding="utf-8") as f:
-        calls = [json.loads(line) for line in f]
+    calls = d.wait_for(manager.calls, 5, "the file manager to be asked")
     assert calls == [{"method": "ShowItems", "uris": [file_uri(path)]}], calls
     print("ok: Show in Folder from the tile menu asked the file manager to show the file")
 
@@ -227,20 +220,12 @@ def show_in_folder_reaches_the_file_manager(d):
 @cases.case
 def an_image_tile_shows_its_preview(d):
     colour = (230, 0, 230)
-    path = os.path.join(os.fsencode(d.output), b"flat.png")
-    subprocess.run(["convert", "-size", "120x90", "xc:#%02x%02x%02x" % colour, path], check=True, timeout=30)
-    items = shelve(d, [path])
-    items[0]["contentTypeIdentifier"] = "image/png"
-    with open(save_file(d), "w", encoding="utf-8") as f:
-        json.dump(items, f)
+    shelve_flat_image(d, colour)
     shelf = Shelf(d, summon=True)
     window = shelf.wait_frame(ONE_TILE)
-
-    def near():
-        return sum(all(abs(a - b) <= 48 for a, b in zip(pixel, colour))
-                   for row in d.window_pixels(window) for pixel in row)
     # Enough of the colour to be a picture in the tile, not a stray edge.
-    count = d.wait_for(lambda: near() > 1000 and near(), 10, "the tile to show the image")
+    count = d.wait_for(lambda: colour_count(d.window_pixels(window), colour) > 1000 and
+                       colour_count(d.window_pixels(window), colour), 10, "the tile to show the image")
     print(f"ok: the image's tile shows its preview ({count} pixels of its colour)")
 
 

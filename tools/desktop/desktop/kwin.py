@@ -32,9 +32,9 @@ from .cases import Cases
 from .core import Desktop
 from .process import DesktopError, Program
 from .programs import build_dir, skip
+from .xwayland import SYSTEM_PYTHON, XWaylandWindows
 
 KWIN = "/usr/bin/kwin_wayland"
-SYSTEM_PYTHON = "/usr/bin/python3"  # Debian's, with GObject: not a virtualenv's
 GTK_PEER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "stand-ins", "kwin-gtk-peer.py")
 SIZE = (1600, 1000)
 
@@ -202,7 +202,7 @@ class Pointer:
             pass
 
 
-class KWinDesktop(Desktop):
+class KWinDesktop(XWaylandWindows, Desktop):
     """Desktop over a headless KWin with XWayland instead of Xvfb and openbox: one screen of
     SIZE, always a private session bus; `pointer` drives KWin's pointer."""
 
@@ -262,24 +262,6 @@ class KWinDesktop(Desktop):
         super().close()
         if self._sockets:
             self._sockets.close()
-
-    def window_pixels(self, window):
-        """A window's own pixels as rows of (r, g, b): XWayland's root window shows nothing, so
-        `pixels` and `screenshot` cannot be had here."""
-        data = subprocess.run(["import", "-window", str(window), "-depth", "8", "ppm:-"], env=self.env,
-                              capture_output=True, timeout=30, check=True).stdout
-        header, offset = [], 0
-        while len(header) < 4:  # "P6 W H 255", then the samples
-            while data[offset:offset + 1].isspace():
-                offset += 1
-            end = offset
-            while not data[end:end + 1].isspace():
-                end += 1
-            header.append(data[offset:end])
-            offset = end
-        width, height = int(header[1]), int(header[2])
-        body = data[offset + 1:]
-        return [[tuple(body[(r * width + c) * 3:(r * width + c) * 3 + 3]) for c in range(width)] for r in range(height)]
 
     def start_gtk(self, *args, name="gtk"):
         """Starts the Wayland-native GTK peer (`src` or `dst`; see its --help) and returns it once

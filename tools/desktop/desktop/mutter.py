@@ -14,6 +14,7 @@ first: without it, or when mutter does not come up, the test is skipped and says
 import glob
 import os
 import re
+import select
 import shutil
 import subprocess
 import time
@@ -21,15 +22,14 @@ import time
 from .core import Desktop
 from .process import DesktopError
 from .programs import skip
+from .xwayland import SYSTEM_PYTHON, XWaylandWindows
 
 _STAND_INS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "stand-ins")
-# The GTK programs and the pointer use GObject introspection, which only Debian's own python has.
-SYSTEM_PYTHON = "/usr/bin/python3"
 WAYLAND_DISPLAY = "wl-mosswick"
 
 
-def _missing():
-    missing = [p for p in ("mutter", "Xwayland", "xdotool", "xwininfo", "xprop") if not shutil.which(p)]
+def _missing(programs):
+    missing = [p for p in (*programs, "Xwayland", "xdotool", "xwininfo", "xprop") if not shutil.which(p)]
     probe = subprocess.run([SYSTEM_PYTHON, "-c", "import gi; gi.require_version('Gtk', '3.0'); "
                             "from gi.repository import Gtk, Gio"], capture_output=True)
     if probe.returncode != 0:
@@ -95,11 +95,16 @@ class RemotePointer:
         """Types one key (an X keysym) into whatever has the keyboard focus."""
         return self._send(f"key {keysym:#x}")
 
-    def click(self, x, y):
+    def click(self, x, y, button=None):
+        """Moves to (x, y) and clicks the left button, or the one of evdev code `button` (right:
+        0x111)."""
         self.move_to(x, y)
         time.sleep(0.1)
-        self.press()
-        self.release()
+        if button is None:
+            self.press()
+            return self.release()
+        self._send(f"down {button:#x}")
+        return self._send(f"up {button:#x}")
 
     def start_drag(self, x, y):
         """Presses at (x, y) and leaves the press point past the drag distance; returns the time
@@ -138,12 +143,15 @@ class _Stoppable:
         self.pointer.stop()
 
 
-class MutterDesktop(Desktop):
+class MutterDesktop(XWaylandWindows, Desktop):
     """A headless mutter with XWayland for one test; use it as a context manager. `size` is its one
     virtual monitor."""
 
+    COMPOSITOR = "mutter"
+    REQUIRES = ("mutter",)
+
     def __init__(self, size=(1600, 1000), name=None, timeout=None, **ignored):
-        missing = _missing()
+        missing = _missing(self.REQUIRES)
         if missing:
             skip("not installed: " + ", ".join(missing))
         self.size = tuple(size)
@@ -158,8 +166,8 @@ class MutterDesktop(Desktop):
         self._start_session_bus()
         width, height = self.size
         # RUNNING_UNDER_GDM: XWayland on :1024 or :1025 rather than the first free low display.
-        mutter = self.start(["mutter", "--headless", "--wayland", "--virtual-monitor", f"{width}x{height}",
-                             f"--wayland-display={WAYLAND_DISPLAY}"], name="mutter",
+        mutter = self.start(self._command(["--headless", "--wayland", "--virtual-monitor", f"{width}x{height}",
+                                           f"--wayland-display={WAYLAND_DISPLAY}"]), name=self.COMPOSITOR,
                             env={"RUNNING_UNDER_GDM": "1"})
         runtime = self.env["XDG_RUNTIME_DIR"]
         try:
@@ -172,7 +180,7 @@ class MutterDesktop(Desktop):
         if not mutter.running() or not found:
             tail = " | ".join(mutter.output().strip().splitlines()[-3:])
             self.close()
-            skip(f"mutter did not start here: {tail or 'no output'}")
+            skip(f"{self.COMPOSITOR} did not start here: {tail or 'no output'}")
         self.display = found.group(1)
         authority = glob.glob(os.path.join(runtime, ".mutter-Xwaylandauth.*"))
         self.env.update({"DISPLAY": self.display, "WAYLAND_DISPLAY": WAYLAND_DISPLAY})
@@ -181,8 +189,15 @@ class MutterDesktop(Desktop):
         # XWayland answers once mutter has handed it the display.
         self.wait_for(lambda: subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"], env=self.env,
                                              capture_output=True).returncode == 0, 20, "XWayland to answer")
+        self._settle()
         self.pointer = RemotePointer(self, height)
         self._programs.append(_Stoppable(self.pointer))
+
+    def _command(self, options):
+        return [self.COMPOSITOR, *options]
+
+    def _settle(self):
+        """Called once XWayland answers, before any program starts."""
 
     def stop_programs_since(self, count):
         # A case that failed mid-drag must not leave the button held for the next one.
@@ -207,3 +222,44 @@ class MutterDesktop(Desktop):
     def gtk_events(program, kind):
         """The CLOCK_MONOTONIC times (= time.monotonic()) at which the GTK peer printed `kind`."""
         return [float(line.split()[1]) for line in program.output().splitlines() if line.startswith(kind + " ")]
+
+
+class GnomeShellDesktop(MutterDesktop):
+    """GNOME Shell 43 on the same terms: mutter's compositor with the Shell's top bar, overview
+    and (absent without extensions) tray."""
+
+    COMPOSITOR = "gnome-shell"
+    REQUIRES = ("gnome-shell", "unshare", "gdbus")
+
+    def _command(self, options):
+        # The Shell wants *a* system bus (its UPower and logind proxies): a private, empty one.
+        reader, writer = os.pipe()
+        try:
+            self.start(["dbus-daemon", "--session", "--nofork", f"--print-address={writer}"],
+                       name="system-bus", pass_fds=(writer,))
+        finally:
+            os.close(writer)
+        with os.fdopen(reader, "rb") as pipe:
+            ready, _, _ = select.select([pipe], [], [], 10)
+            address = pipe.readline().decode().strip() if ready else ""
+        if not address:
+            raise DesktopError("the Shell's system bus did not report its address")
+        self.env["DBUS_SYSTEM_BUS_ADDRESS"] = address
+        # /run/systemd/seats without logind makes the Shell throw at start: it is hidden in a
+        # mount namespace of the Shell's own (unshare execs, so the Shell keeps the process id).
+        return ["unshare", "-m", "--propagation", "private", "sh", "-c",
+                'mount -t tmpfs tmpfs /run/systemd 2>/dev/null; exec "$0" "$@"', *super()._command(options)]
+
+    def _overview(self, *value):
+        method = "Set" if value else "Get"
+        return self.run(["gdbus", "call", "--session", "--dest", "org.gnome.Shell", "--object-path",
+                         "/org/gnome/Shell", "--method", f"org.freedesktop.DBus.Properties.{method}",
+                         "org.gnome.Shell", "OverviewActive", *value], check=False)
+
+    def _settle(self):
+        # The Shell opens its overview at start; a window mapped under it takes no pointer input
+        # afterwards, so it is closed before anything else starts.
+        self.wait_for(lambda: "true" in self._overview(), 15, "the Shell's overview to open")
+        time.sleep(1)
+        self.wait_for(lambda: self._overview("<false>") is not None and "false" in self._overview(), 10,
+                      "the Shell's overview to close", interval=1)

@@ -7,7 +7,8 @@ took it:
     rel DX DY    move the pointer by DX, DY pixels
     home         to the bottom-left corner (an absolute move needs a screen cast stream; the
                  top-left corner is gnome-shell's hot corner)
-    down | up    press or release the left button
+    down | up [BUTTON]
+                 press or release a button (an evdev code: the left one, 0x110, unless given)
     key KEYSYM   press and release a key (an X keysym, such as 0xffc2 for F5)
 
 The session lives as long as this program's bus connection."""
@@ -47,7 +48,8 @@ for line in sys.stdin:
         elif words[0] == "home":
             rel(-10000, 10000)
         elif words[0] in ("down", "up"):
-            call(session, SESSION, "NotifyPointerButton", GLib.Variant("(ib)", (BTN_LEFT, words[0] == "down")))
+            button = int(words[1], 0) if len(words) > 1 else BTN_LEFT
+            call(session, SESSION, "NotifyPointerButton", GLib.Variant("(ib)", (button, words[0] == "down")))
         elif words[0] == "key":
             for pressed in (True, False):
                 call(session, SESSION, "NotifyKeyboardKeysym", GLib.Variant("(ub)", (int(words[1], 0), pressed)))
