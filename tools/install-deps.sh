@@ -46,6 +46,9 @@ packages=(
   mutter kwin-wayland xwayland gir1.2-gtk-3.0 libwayland-dev plasma-wayland-protocols dconf-cli
   gsettings-desktop-schemas gnome-settings-daemon-common libkf5config-bin
   libglib2.0-bin dconf-service dconf-gsettings-backend libkf5globalaccel-bin
+  # wlroots' Wayland session for the desktop tests: a headless sway with XWayland (its pointer is
+  # injected by a virtual-pointer client built from the protocol's XML in tools/sway-input)
+  sway
 )
 
 missing=()
