@@ -1,6 +1,6 @@
 """A headless sway (wlroots) session for one test: sway 1.7 on its headless backend with XWayland
-and its own runtime folder, the pointer driven through wlroots' virtual-pointer protocol
-(mosswick-sway-input, built from the protocol's XML in tools/sway-input) and Wayland-native GTK
+and its own runtime folder, the pointer and keyboard driven through the virtual-pointer and
+virtual-keyboard protocols (mosswick-sway-input, built from their XML in tools/sway-input) and Wayland-native GTK
 programs as the other side of a drag (stand-ins/kwin-gtk-peer.py).
 
     from desktop.sway import SwayCases
@@ -58,7 +58,7 @@ def skip_unless_sway():
 
 
 class Pointer:
-    """sway's pointer, moved and pressed through a virtual pointer. Each command returns once sway
+    """sway's pointer (and keyboard), moved and pressed through a virtual pointer and keyboard. Each command returns once sway
     has handled it, with the CLOCK_MONOTONIC time at which it was sent."""
 
     def __init__(self, desktop):
@@ -91,6 +91,17 @@ class Pointer:
 
     def up(self):
         return self.send("up")
+
+    def click(self, x, y, button=0x110):
+        """Moves to (x, y) and clicks the button of evdev code `button` (right: 0x111)."""
+        self.move_to(x, y)
+        self.send(f"button {button} 1")
+        return self.send(f"button {button} 0")
+
+    def key(self, code):
+        """Presses and releases the key of evdev code `code` (F5: 63) on sway's keyboard."""
+        self.send(f"key {code} 1")
+        return self.send(f"key {code} 0")
 
     def close(self):
         try:
