@@ -25,6 +25,7 @@ import os
 import pwd
 import shlex
 import subprocess
+import time
 
 from . import kwin
 from .cases import Cases
@@ -93,8 +94,13 @@ class Pointer:
         return self.send("up")
 
     def click(self, x, y, button=0x110):
-        """Moves to (x, y) and clicks the button of evdev code `button` (right: 0x111)."""
-        self.move_to(x, y)
+        """Moves to (x, y) and clicks the button of evdev code `button` (right: 0x111). The pointer
+        comes from beside the spot and rests first: sway hands an X window a click only once the
+        pointer's entry has reached XWayland."""
+        self.move_to(x - 10, y)
+        time.sleep(0.3)
+        self.move_by(10, 0)
+        time.sleep(0.3)
         self.send(f"button {button} 1")
         return self.send(f"button {button} 0")
 
