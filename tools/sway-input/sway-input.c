@@ -43,7 +43,8 @@ static void global(void* data, struct wl_registry* registry, uint32_t name, cons
                    uint32_t version) {
     (void)data;
     (void)version;
-    if (strcmp(interface, "wl_seat") == 0 && !seat) seat = wl_registry_bind(registry, name, &wl_seat_interface, 1);
+    if (strcmp(interface, "wl_seat") == 0 && !seat)
+        seat = wl_registry_bind(registry, name, &wl_seat_interface, 1);
     if (strcmp(interface, "zwlr_virtual_pointer_manager_v1") == 0)
         manager = wl_registry_bind(registry, name, &zwlr_virtual_pointer_manager_v1_interface, 1);
     if (strcmp(interface, "zwp_virtual_keyboard_manager_v1") == 0)
@@ -63,7 +64,8 @@ static const struct wl_registry_listener registry_listener = {global, global_rem
 static struct zwp_virtual_keyboard_v1* make_keyboard(void) {
     if (!keyboards) return NULL;
     struct xkb_context* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    struct xkb_keymap* keymap = context ? xkb_keymap_new_from_names(context, NULL, XKB_KEYMAP_COMPILE_NO_FLAGS) : NULL;
+    struct xkb_keymap* keymap =
+        context ? xkb_keymap_new_from_names(context, NULL, XKB_KEYMAP_COMPILE_NO_FLAGS) : NULL;
     char* text = keymap ? xkb_keymap_get_as_string(keymap, XKB_KEYMAP_FORMAT_TEXT_V1) : NULL;
     struct zwp_virtual_keyboard_v1* keyboard = NULL;
     const int fd = text ? memfd_create("keymap", MFD_CLOEXEC) : -1;
@@ -95,7 +97,8 @@ int main(int argc, char** argv) {
         fprintf(stderr, "sway-input: the compositor offers no zwlr_virtual_pointer_manager_v1\n");
         return 1;
     }
-    struct zwlr_virtual_pointer_v1* pointer = zwlr_virtual_pointer_manager_v1_create_virtual_pointer(manager, seat);
+    struct zwlr_virtual_pointer_v1* pointer =
+        zwlr_virtual_pointer_manager_v1_create_virtual_pointer(manager, seat);
     struct zwp_virtual_keyboard_v1* keyboard = make_keyboard();
     wl_display_roundtrip(display);
     printf("ready\n");
