@@ -48,6 +48,9 @@ packages=(
   libglib2.0-bin dconf-service dconf-gsettings-backend libkf5globalaccel-bin
   # GNOME Shell, headless like mutter, to measure what the Shell itself offers (its tray)
   gnome-shell
+  # wlroots' Wayland session for the desktop tests: a headless sway with XWayland (its pointer is
+  # injected by a virtual-pointer client built from the protocol's XML in tools/sway-input)
+  sway
 )
 
 missing=()

@@ -23,6 +23,7 @@
 #include "platform/x11/X11DirectSaveReceiver.h"
 #include "platform/x11/X11DragTypeOverride.h"
 #include "platform/x11/X11HotKeyService.h"
+#include "platform/x11/WlrootsPanelHints.h"
 #include "platform/x11/X11PanelHints.h"
 #include "platform/x11/X11TrayColors.h"
 #include "platform/x11/X11WorkArea.h"
@@ -88,6 +89,8 @@ DesktopBackends DesktopBackends::forThisSession() {
     if (backends.x11_) {
         if (backends.session_ == DesktopSession::KdeWayland)
             backends.panelHints_ = std::make_unique<KWinPanelHints>(backends.x11_->atoms());
+        else if (backends.session_ == DesktopSession::WlrootsWayland)
+            backends.panelHints_ = std::make_unique<WlrootsPanelHints>(backends.x11_->atoms());
         else
             backends.panelHints_ = std::make_unique<X11PanelHints>(backends.x11_->atoms());
         backends.directSave_ = X11DirectSaveReceiver::create(*backends.x11_);

@@ -26,6 +26,13 @@ public:
     // data to none other, and hides the utility windows of an inactive program): the panel is
     // then such a window, shown without being activated.
     virtual bool dropsNeedFocusableWindow() const { return false; }
+    // Whether only a window the window manager leaves alone lands where it is placed (sway centres
+    // and widens the windows it manages): the panel is then one (override-redirect on X11).
+    virtual bool placesItself() const { return false; }
+    // Whether a drag's data can be read only while the drag is over the window, not at its drop
+    // (wlroots hands an unfocused X window nothing then): the panel then reads what it would take
+    // as the drag enters, and drops that.
+    virtual bool dataOnlyBeforeDrop() const { return false; }
 };
 
 // Where no window system can be asked: nothing to set, and a compositor is taken to run (Wayland

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QWidget>
+#include <memory>
 
 #include "shelf/ReducedMotion.h"
+
+class QMimeData;
 
 namespace mosswick {
 
@@ -21,6 +24,9 @@ public:
 
     // Without a handler every drop is refused. The handler must outlive this view or be reset.
     void setDropHandler(ShelfDropHandler* handler) { dropHandler_ = handler; }
+    // Where a drag's data can be read only while it hovers (never at its drop), what the shelf
+    // would take is read as the drag enters and that copy is what a drop hands on.
+    void setReadsDataOnEnter(bool reads) { readsDataOnEnter_ = reads; }
     // Solid where no compositor would show what lies behind the window.
     void setTranslucent(bool translucent);
     bool isTranslucent() const { return isTranslucent_; }
@@ -29,7 +35,10 @@ public:
 
     // Put away under a hovering drag, the shelf hears no more of it: it must not stay lit. Hiding
     // does this by itself; a window kept mapped aside is told.
-    void forgetDrag() { setTargeted(false); }
+    void forgetDrag() {
+        forgotten_ = true;
+        setTargeted(false);
+    }
 
 signals:
     // A drag that the shelf takes came over it (true), or left, ended or dropped (false).
@@ -49,12 +58,16 @@ protected:
 
 private:
     void setTargeted(bool targeted);
+    void keepEnteredData(const QMimeData& offered);
 
     ShelfStore& store_;
     ShelfView* shelfView_;
     ShelfDropHandler* dropHandler_ = nullptr;
     bool isTranslucent_ = true;
     bool isTargeted_ = false;
+    bool readsDataOnEnter_ = false;
+    bool forgotten_ = false;
+    std::unique_ptr<QMimeData> enteredData_;
 };
 
 }  // namespace mosswick

@@ -19,6 +19,8 @@ namespace {
 Qt::WindowFlags panelFlags(const PanelWindowHints& hints) {
     const Qt::WindowFlags always = Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
     if (hints.dropsNeedFocusableWindow()) return Qt::Window | always;
+    if (hints.placesItself())
+        return Qt::Tool | always | Qt::WindowDoesNotAcceptFocus | Qt::BypassWindowManagerHint;
     return Qt::Tool | always | Qt::WindowDoesNotAcceptFocus;
 }
 
@@ -29,6 +31,7 @@ ShelfPanel::ShelfPanel(ShelfStore& store, ReducedMotion motion, PanelWindowHints
       content_(new ShelfContentView(store, motion, this)),
       hints_(hints),
       staysFocusable_(hints.dropsNeedFocusableWindow()) {
+    content_->setReadsDataOnEnter(hints.dataOnlyBeforeDrop());
     setWindowTitle(QStringLiteral("Mosswick"));
     // Both must be set before the native window exists: the first picks a visual with alpha.
     setAttribute(Qt::WA_TranslucentBackground);

@@ -12,12 +12,14 @@ namespace mosswick {
 struct DragSight {
     // The left button is reported while the drag goes on, and the pointer's position is current.
     bool followsPointer = true;
-    // The drag's types can be read when it begins. KWin answers no request for the drag's selection
-    // while no window of ours is active, so there they are learnt only when the drag enters one.
+    // The drag's types can be read when it begins. KWin and wlroots answer no request for the
+    // drag's selection while no window of ours is active or under the drag, so there they are
+    // learnt only when the drag enters one.
     bool readsTypes = true;
 
     static DragSight of(DesktopSession session) {
-        return {!isWayland(session), session != DesktopSession::KdeWayland};
+        return {!isWayland(session),
+                session != DesktopSession::KdeWayland && session != DesktopSession::WlrootsWayland};
     }
 };
 

@@ -23,12 +23,24 @@ class RecordingDropHandler final : public ShelfDropHandler {
 public:
     bool drop(const QMimeData& data, const DropContext& context) override {
         formats.push_back(data.formats());
+        urls.push_back(data.urls());
         actions = context.offeredActions;
         return takes;
     }
     bool takes = true;
     std::vector<QStringList> formats;
+    std::vector<QList<QUrl>> urls;
     Qt::DropActions actions;
+};
+
+// A compositor that hands the drag's data over only while the drag hovers (wlroots).
+class DataOnlyBeforeDropHints final : public PanelWindowHints {
+public:
+    void keepOffTaskbarOnAllWorkspaces(quintptr) override {}
+    bool compositorRunning(quintptr) const override { return true; }
+    bool letStandOffScreen(quintptr) override { return true; }
+    void giveUpFocus(quintptr) override {}
+    bool dataOnlyBeforeDrop() const override { return true; }
 };
 
 // A window manager that lets windows stand outside the screen, and remembers being asked.
@@ -251,6 +263,21 @@ TEST_F(ParkedShelfPanelTest, PutAwayUnderAHoveringDragItDoesNotStayLit) {
     EXPECT_FALSE(panel->shelfView().dropHighlight().isLit());
 }
 
+TEST_F(ParkedShelfPanelTest, ParkedForTheDragThatEntersItRefusesIt) {
+    panel->contentView().setDropHandler(&handler);
+    panel->mapAt(QRect(0, 0, 4, 320));
+    // The controller puts the strip away for a drag it will not take, as that drag enters.
+    QObject::connect(&panel->contentView(), &ShelfContentView::foreignDragEntered, panel.get(),
+                     [this](bool bringsShelfUp) {
+                         if (!bringsShelfUp) panel->orderOut();
+                     });
+    QMimeData text;
+    text.setText(QStringLiteral("a note"));
+    EXPECT_FALSE(enter(text));
+    ASSERT_TRUE(panel->isVisible()) << "parked, not withdrawn";
+    EXPECT_FALSE(store->isTargeted());
+}
+
 TEST_F(ShelfPanelTest, TheClassicMaterialIsSolidAndCutToShapeUnderACompositor) {
     panel->mapAt(QRect(1200, 300, 196, 320));
     EXPECT_TRUE(panel->contentView().isTranslucent());
@@ -318,6 +345,44 @@ TEST_F(ShelfPanelTest, ADropGoesToTheHandlerWhichDecidesWhetherItWasTaken) {
     ASSERT_TRUE(enter(*data));
     EXPECT_FALSE(drop(*data)) << "without a handler nothing is taken";
     EXPECT_EQ(handler.formats.size(), 2u);
+}
+
+TEST_F(ShelfPanelTest, WhereDataCanBeReadOnlyWhileHoveringTheDropHandsOnWhatWasReadAsItEntered) {
+    DataOnlyBeforeDropHints hints;
+    panel = std::make_unique<ShelfPanel>(*store, motion(), hints);
+    panel->contentView().setDropHandler(&handler);
+    const QMimeData gone;  // what the drop itself carries there
+    std::unique_ptr<QMimeData> data(files());
+    data->setText(QStringLiteral("file:///tmp/report.pdf"));
+    QMimeData text;
+    text.setText(QStringLiteral("a note"));
+    QMimeData unreadable;
+    unreadable.setData(QStringLiteral("text/uri-list"), {});
+
+    ASSERT_TRUE(enter(*data));
+    EXPECT_TRUE(drop(gone));
+    ASSERT_EQ(handler.formats.size(), 1u);
+    EXPECT_EQ(handler.formats[0], QStringList{"text/uri-list"})
+        << "a file drag's URI list is all that is read";
+    EXPECT_EQ(handler.urls[0], QList<QUrl>{QUrl::fromLocalFile("/tmp/report.pdf")});
+
+    ASSERT_TRUE(enter(text));
+    EXPECT_TRUE(drop(gone));
+    ASSERT_EQ(handler.formats.size(), 2u);
+    EXPECT_TRUE(handler.formats[1].contains("text/plain")) << handler.formats[1].join(' ').toStdString();
+
+    ASSERT_TRUE(enter(unreadable));
+    EXPECT_FALSE(drop(gone)) << "nothing read as it entered: refused, the source keeps its file";
+    EXPECT_EQ(handler.formats.size(), 2u);
+
+    // What was read goes with the drag that left: the next one is read anew.
+    ASSERT_TRUE(enter(*data));
+    leave();
+    ASSERT_TRUE(enter(text));
+    EXPECT_TRUE(drop(gone));
+    ASSERT_EQ(handler.formats.size(), 3u);
+    EXPECT_TRUE(handler.formats[2].contains("text/plain"));
+    EXPECT_FALSE(handler.formats[2].contains("text/uri-list"));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "triggers/DesktopSession.h"
+#include "triggers/DragSight.h"
 
 using mosswick::DesktopSession;
 using mosswick::detectDesktopSession;
@@ -45,5 +46,25 @@ TEST(DesktopSessionTest, TellsTheCompositorsApartFromTheSessionVariables) {
         QStringList shown;
         for (const auto& [name, value] : c.environment) shown << QString::fromStdString(name) + "=" + value;
         EXPECT_EQ(detect(c.environment), c.expected) << shown.join(' ').toStdString();
+    }
+}
+
+TEST(DesktopSessionTest, OnlyGnomeLetsAnXClientReadTheTypesOfADragThroughXWayland) {
+    using mosswick::DragSight;
+    struct Case {
+        DesktopSession session;
+        bool followsPointer;
+        bool readsTypes;
+    };
+    const Case cases[] = {
+        {DesktopSession::X11, true, true},
+        {DesktopSession::GnomeWayland, false, true},
+        {DesktopSession::KdeWayland, false, false},
+        {DesktopSession::WlrootsWayland, false, false},
+    };
+    for (const Case& c : cases) {
+        const DragSight sight = DragSight::of(c.session);
+        EXPECT_EQ(sight.followsPointer, c.followsPointer) << static_cast<int>(c.session);
+        EXPECT_EQ(sight.readsTypes, c.readsTypes) << static_cast<int>(c.session);
     }
 }
