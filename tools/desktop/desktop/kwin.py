@@ -122,10 +122,16 @@ class Pointer:
     """The compositor's pointer (and keyboard), moved and pressed through fake input. Each command
     returns once KWin has handled it, with the CLOCK_MONOTONIC time at which it was sent."""
 
-    def __init__(self, desktop):
+    compositor = "KWin"
+
+    def __init__(self, desktop, command=None, name="kwin-input", env=None):
+        """`command`: the injector and its arguments (KWin's own by default); it reads one command
+        a line and answers "done T" to each."""
         fifo = os.path.join(desktop.temp, "pointer.fifo")
         os.mkfifo(fifo)
-        self.program = desktop.start(["sh", "-c", f'exec "$0" < "{fifo}"', injector()], name="kwin-input")
+        command = command or [injector()]
+        self.program = desktop.start(["sh", "-c", f'exec "$0" "$@" < "{fifo}"', *command], name=name,
+                                     **({"env": env} if env is not None else {}))
         self._pipe = open(fifo, "w", buffering=1)
         self._done = 0
         desktop.wait_output(self.program, "ready")
@@ -138,7 +144,7 @@ class Pointer:
         def answered():
             lines = [l for l in self.program.output().splitlines() if l.startswith("done ")]
             return len(lines) >= self._done and float(lines[self._done - 1].split()[1])
-        return self.desktop.wait_for(answered, 10, f"KWin to take {command!r}", interval=0.005)
+        return self.desktop.wait_for(answered, 10, f"{self.compositor} to take {command!r}", interval=0.005)
 
     def move_to(self, x, y):
         return self.send(f"abs {x} {y}")
@@ -153,7 +159,7 @@ class Pointer:
         return self.send("up")
 
     def key(self, code):
-        """Presses and releases the key of evdev code `code` (F5: 63) on KWin's keyboard."""
+        """Presses and releases the key of evdev code `code` (F5: 63) on the compositor's keyboard."""
         self.send(f"key {code} 1")
         return self.send(f"key {code} 0")
 

@@ -58,40 +58,16 @@ def skip_unless_sway():
         skip("no GTK 3 for Python (python3-gi, gir1.2-gtk-3.0)")
 
 
-class Pointer:
-    """sway's pointer (and keyboard), moved and pressed through a virtual pointer and keyboard. Each command returns once sway
-    has handled it, with the CLOCK_MONOTONIC time at which it was sent."""
+class Pointer(kwin.Pointer):
+    """sway's pointer (and keyboard), moved and pressed through a virtual pointer and keyboard, with
+    the same commands and gestures as KWin's. Each command returns once sway has handled it, with
+    the CLOCK_MONOTONIC time at which it was sent."""
+
+    compositor = "sway"
 
     def __init__(self, desktop):
-        fifo = os.path.join(desktop.temp, "pointer.fifo")
-        os.mkfifo(fifo)
-        self.program = desktop.start(["sh", "-c", f'exec "$0" {SIZE[0]} {SIZE[1]} < "{fifo}"', injector()],
-                                     name="sway-input", env=desktop.wayland_env())
-        self._pipe = open(fifo, "w", buffering=1)
-        self._done = 0
-        desktop.wait_output(self.program, "ready")
-        self.desktop = desktop
-
-    def send(self, command):
-        self._pipe.write(command + "\n")
-        self._done += 1
-
-        def answered():
-            lines = [l for l in self.program.output().splitlines() if l.startswith("done ")]
-            return len(lines) >= self._done and float(lines[self._done - 1].split()[1])
-        return self.desktop.wait_for(answered, 10, f"sway to take {command!r}", interval=0.005)
-
-    def move_to(self, x, y):
-        return self.send(f"abs {x} {y}")
-
-    def move_by(self, dx, dy):
-        return self.send(f"rel {dx} {dy}")
-
-    def down(self):
-        return self.send("down")
-
-    def up(self):
-        return self.send("up")
+        super().__init__(desktop, [injector(), str(SIZE[0]), str(SIZE[1])], name="sway-input",
+                         env=desktop.wayland_env())
 
     def click(self, x, y, button=0x110):
         """Moves to (x, y) and clicks the button of evdev code `button` (right: 0x111). The pointer
@@ -103,22 +79,6 @@ class Pointer:
         time.sleep(0.3)
         self.send(f"button {button} 1")
         return self.send(f"button {button} 0")
-
-    def key(self, code):
-        """Presses and releases the key of evdev code `code` (F5: 63) on sway's keyboard."""
-        self.send(f"key {code} 1")
-        return self.send(f"key {code} 0")
-
-    def close(self):
-        try:
-            self._pipe.close()
-        except OSError:
-            pass
-
-
-# The same gestures as KWin's pointer: pressed and moved past the drag distance; glided.
-Pointer.start_drag = kwin.Pointer.start_drag
-Pointer.glide = kwin.Pointer.glide
 
 
 class SwayDesktop(Desktop):
