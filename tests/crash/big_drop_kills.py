@@ -66,7 +66,11 @@ with Desktop(screens=[(1280, 800)], strut_bottom=40) as d:
         source = d.start_peer("drag", "--geometry", SOURCE_GEOMETRY, *(["--files"] + files))
         d.wait_mapped(source)
         d.drag(SOURCE_POINT, SHELF_POINT)
-        time.sleep(random.uniform(0.3, 3.0))
+        # The kill comes at a random moment once copying is under way (a busy machine may delay
+        # its start); the last round, if none did yet, late enough for some copies to be checked.
+        d.wait_for(lambda: os.path.isdir(staging) and finished_copies(staging), 30, "the first finished copy")
+        late = round_ == ROUNDS - 1 and checked_copies == 0
+        time.sleep(random.uniform(1.5 if late else 0.3, 3.0))
         killed_at = time.time()
         os.killpg(app.pid, signal.SIGKILL)
         app.popen.wait()

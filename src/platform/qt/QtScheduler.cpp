@@ -13,9 +13,11 @@ namespace {
 // The pool's long work (a big drop's copies, looking into restored items) takes the cores the
 // main thread needs for a frame: with two cores and two copies running, the main thread waited
 // tens of milliseconds for its turn. Lowered, it yields to the main thread at once and still has
-// every core the main thread leaves idle. On Linux a niceness set with a thread's id holds for
-// that thread alone.
-constexpr int kPoolNiceness = 10;
+// every core the main thread leaves idle. Not lowered further: a niceness also yields to every
+// other busy program, and at 10 a drop's copies nearly stopped on a loaded machine, leaving its
+// originals uncopied for longer. On Linux a niceness set with a thread's id holds for that thread
+// alone.
+constexpr int kPoolNiceness = 5;
 
 void lowerThisThread() {
     thread_local const bool lowered =
