@@ -16,7 +16,7 @@ import statistics
 import time
 import urllib.parse
 
-from desktop import skip, skip_unless_available
+from desktop import DesktopError, skip, skip_unless_available
 from desktop.files import file_uri
 from desktop.kwin import KWinCases
 from desktop.mosswick import Shelf, saved_items, shelve, staged_path
@@ -191,13 +191,20 @@ def shortcut_reaches_only_from_x_windows(d):
     window = d.wait_mapped(rx)
     d.wait_for(lambda: d.active_window() == window, 5, "the X window to be active")
     d.wait_for(lambda: d.run(["xdotool", "getwindowfocus"]).strip() == str(window), 5, "the X window's focus")
-    # KWin marks the window active before its keyboard's focus reaches XWayland.
+    # KWin marks the window active before its keyboard's focus reaches XWayland, and on a busy
+    # machine that can take a while: a press the focus had not reached yet is pressed again.
     time.sleep(0.5)
-    start = time.monotonic()
-    d.pointer.key(F5)
-    shown = watch.wait("map", start, timeout=3)
+    for attempt in range(1, 4):
+        start = time.monotonic()
+        d.pointer.key(F5)
+        try:
+            shown = watch.wait("map", start, timeout=3)
+            break
+        except DesktopError:
+            if attempt == 3:
+                raise
     print(f"ok: F5 typed into the GTK window never reached the shelf; typed into an X window it brought "
-          f"the shelf up in {shown - start:.2f} s")
+          f"the shelf up in {shown - start:.2f} s (press {attempt})")
 
 
 @cases.case
